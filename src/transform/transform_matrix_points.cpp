@@ -1,0 +1,90 @@
+#include "transform/matrix4.h"
+
+#include <norvek/transform/transform_exception.h>
+#include <norvek/transform/transform_matrix.h>
+
+#include <typeinfo>
+
+using namespace Norvek::Math::Core;
+
+namespace
+{
+
+MMPoint3d<double> Image(const Matrix4& m, bool homogeneous, const MMPoint3d<double>& p,
+                        bool isDirection)
+{
+    MMPoint3d<double> image(RowTimesPoint(m[0], p.x, p.y, p.z, isDirection),
+                            RowTimesPoint(m[1], p.x, p.y, p.z, isDirection),
+                            RowTimesPoint(m[2], p.x, p.y, p.z, isDirection));
+    if (homogeneous) {
+        const double w = RowTimesPoint(m[3], p.x, p.y, p.z, isDirection);
+        if (w == 0.0)
+            throw MMTransformException(MMTransformException::HomogeneousDivideByZero);
+        image /= w;
+    }
+    return image;
+}
+
+} // namespace
+
+bool MMTransformMatrix::_Transform(MMPoint3d<double>& out, const MMPoint3d<double>& in,
+                                   bool isDirection) const
+{
+    out = IsIdentity() ? in : Image(_matrix, _homogeneous, in, isDirection);
+    return true;
+}
+
+bool MMTransformMatrix::_InverseTransform(MMPoint3d<double>& out, const MMPoint3d<double>& in,
+                                          bool isDirection) const
+{
+    if (!_invertible)
+        return false;
+    out = IsIdentity() ? in : Image(_inverse, _homogeneous, in, isDirection);
+    return true;
+}
+
+double MMTransformMatrix::TransformX(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_matrix[0], x, y, z, isDirection);
+}
+
+double MMTransformMatrix::TransformY(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_matrix[1], x, y, z, isDirection);
+}
+
+double MMTransformMatrix::TransformZ(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_matrix[2], x, y, z, isDirection);
+}
+
+double MMTransformMatrix::InverseTransformX(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_inverse[0], x, y, z, isDirection);
+}
+
+double MMTransformMatrix::InverseTransformY(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_inverse[1], x, y, z, isDirection);
+}
+
+double MMTransformMatrix::InverseTransformZ(double x, double y, double z, bool isDirection) const
+{
+    return RowTimesPoint(_inverse[2], x, y, z, isDirection);
+}
+
+bool MMTransformMatrix::_PlainPoints() const
+{
+    return typeid(*this) == typeid(MMTransformMatrix);
+}
+
+bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>>& out,
+                                  const std::vector<MMPoint3d<double>>& in) const
+{
+    return MMTransform::Transform(out, in);
+}
+
+bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>>& points) const
+{
+    return MMTransform::Transform(points);
+}
