@@ -1,0 +1,241 @@
+#include "border/ring_geometry.h"
+
+#include <norvek/border/border.h>
+
+#include <algorithm>
+#include <limits>
+
+template <class Coord, class Payload, class Contour>
+M3dBorder<Coord, Payload, Contour>::M3dBorder(const M3dBorder& other) : M3dBorder()
+{
+    // No derived class is there yet to create contours.
+    for (const Contour& contour : other)
+        AddContourAtEnd(std::make_unique<Contour>(contour, _GetPool()).release());
+}
+
+template <class Coord, class Payload, class Contour>
+M3dBorder<Coord, Payload, Contour>::~M3dBorder()
+{
+    MakeEmpty();
+}
+
+template <class Coord, class Payload, class Contour>
+M3dBorder<Coord, Payload, Contour>&
+M3dBorder<Coord, Payload, Contour>::operator=(const M3dBorder& other)
+{
+    if (this == &other)
+        return *this;
+    MakeEmpty();
+    for (const Contour& contour : other)
+        *AddContourAtEnd() = contour;
+    return *this;
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::Swap(M3dBorder& other) noexcept
+{
+    std::swap(_firstContour, other._firstContour);
+    std::swap(_lastContour, other._lastContour);
+    std::swap(_numContours, other._numContours);
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtEnd()
+{
+    return AddContourAtEnd(_CreateNewContour());
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtFront()
+{
+    return AddContourAtFront(_CreateNewContour());
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAfter(Contour* after)
+{
+    return AddContourAfter(_CreateNewContour(), after);
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtEnd(Contour* contour)
+{
+    return AddContourAfter(contour, _lastContour);
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtFront(Contour* contour)
+{
+    if (contour == nullptr)
+        return nullptr;
+    contour->_previousContour = nullptr;
+    contour->_nextContour = _firstContour;
+    (_firstContour != nullptr ? _firstContour->_previousContour : _lastContour) = contour;
+    _firstContour = contour;
+    ++_numContours;
+    return contour;
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::AddContourAfter(Contour* contour, Contour* after)
+{
+    Contour* const previous = after != nullptr ? after : _lastContour;
+    if (contour == nullptr || previous == nullptr)
+        return AddContourAtFront(contour);
+    contour->_previousContour = previous;
+    contour->_nextContour = previous->_nextContour;
+    (previous == _lastContour ? _lastContour : previous->_nextContour->_previousContour) = contour;
+    previous->_nextContour = contour;
+    ++_numContours;
+    return contour;
+}
+
+template <class Coord, class Payload, class Contour>
+std::unique_ptr<Contour> M3dBorder<Coord, Payload, Contour>::RemoveFirstContour()
+{
+    return RemoveContour(_firstContour);
+}
+
+template <class Coord, class Payload, class Contour>
+std::unique_ptr<Contour> M3dBorder<Coord, Payload, Contour>::RemoveContour(Contour* contour)
+{
+    if (contour == nullptr)
+        return nullptr;
+    Contour* const previous = std::exchange(contour->_previousContour, nullptr);
+    Contour* const next = std::exchange(contour->_nextContour, nullptr);
+    (previous != nullptr ? previous->_nextContour : _firstContour) = next;
+    (next != nullptr ? next->_previousContour : _lastContour) = previous;
+    --_numContours;
+    return std::unique_ptr<Contour>(contour);
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::RemoveEmptyContours()
+{
+    for (Contour* contour = _firstContour; contour != nullptr;) {
+        Contour* const next = contour->GetNextContour();
+        if (contour->GetNumPoints() == 0)
+            RemoveContour(contour);
+        contour = next;
+    }
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::MakeEmpty()
+{
+    while (_firstContour != nullptr)
+        RemoveFirstContour();
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::SetIndices()
+{
+    std::uint32_t counter = 0;
+    for (Contour& contour : *this)
+        contour.SetIndices(counter);
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::ResetIndices()
+{
+    for (Contour& contour : *this)
+        contour.ResetIndices();
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::RemoveDoublePoints()
+{
+    for (Contour& contour : *this)
+        contour.RemoveDoublePoints();
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::Invert()
+{
+    for (Contour& contour : *this)
+        contour.Invert();
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::AdjustOuterContourParameterToTurningSense()
+{
+    for (Contour& contour : *this)
+        contour.SetIsOuterContour(contour.SurfaceAreaWithSignXY() >= 0.0);
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::AdjustTurningSenseToOuterContourParameter()
+{
+    for (Contour& contour : *this) {
+        if (contour.GetNumPoints() == 0)
+            continue;
+        const double area = contour.SurfaceAreaWithSignXY();
+        // Not mirror images: callers rely on degenerate inner contours being inverted.
+        if (contour.GetIsOuterContour() ? area < 0.0 : area >= 0.0)
+            contour.Invert();
+    }
+}
+
+template <class Coord, class Payload, class Contour>
+std::uint32_t M3dBorder<Coord, Payload, Contour>::GetNumPoints() const
+{
+    std::uint64_t count = 0;
+    for (const Contour& contour : *this)
+        count += contour.GetNumPoints();
+    constexpr std::uint64_t limit = std::numeric_limits<std::uint32_t>::max();
+    return static_cast<std::uint32_t>(std::min(count, limit));
+}
+
+template <class Coord, class Payload, class Contour>
+std::uint32_t M3dBorder<Coord, Payload, Contour>::GetNumEdges() const
+{
+    return GetNumPoints();
+}
+
+// One count for all contours, so that the edge of a hole takes back what the outer ring counted.
+template <class Coord, class Payload, class Contour>
+char M3dBorder<Coord, Payload, Contour>::CalculatePosition(double x, double y) const
+{
+    std::size_t count = 0;
+    for (const Contour& contour : *this) {
+        if (Norvek::Math::Core::CountCrossings(contour.GetFirstPoint(), x, y, count))
+            return 0;
+    }
+    return count % 2 == 1 ? 1 : 2;
+}
+
+template <class Coord, class Payload, class Contour>
+double M3dBorder<Coord, Payload, Contour>::SurfaceAreaWithSignXY() const
+{
+    double area = 0.0;
+    for (const Contour& contour : *this)
+        area += contour.SurfaceAreaWithSignXY();
+    return area;
+}
+
+template <class Coord, class Payload, class Contour>
+double M3dBorder<Coord, Payload, Contour>::CircumferenceXY() const
+{
+    double length = 0.0;
+    for (const Contour& contour : *this)
+        length += contour.CircumferenceXY();
+    return length;
+}
+
+template <class Coord, class Payload, class Contour>
+Contour* M3dBorder<Coord, Payload, Contour>::_CreateNewContour()
+{
+    return std::make_unique<Contour>(_GetPool()).release();
+}
+
+template <class Coord, class Payload, class Contour>
+typename M3dBorder<Coord, Payload, Contour>::PoolPointer
+M3dBorder<Coord, Payload, Contour>::_GetPool() const
+{
+    return _firstContour != nullptr ? _firstContour->GetPool() : PoolPointer();
+}
+
+template class M3dBorder<std::int32_t, void*>;
+template class M3dBorder<float, float>;
+template class M3dBorder<double, void*>;
+template class M3dBorder<double, MStlPoint*>;

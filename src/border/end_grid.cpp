@@ -1,0 +1,149 @@
+#include "border/end_grid.h"
+
+#include <bit>
+#include <cmath>
+
+namespace Norvek::Math::Core
+{
+
+namespace
+{
+
+// Wide against the tolerance, so that a search seldom touches more than one cell; narrow against
+// the pieces of a drawing, so that a cell seldom holds more than one place.
+constexpr double kCellsPerUnit = 1.0 / (8.0 * kJoinTolerance);
+
+// From here on neighbouring floats are further apart than the tolerance (and those just below are
+// too): only equal coordinates meet.
+constexpr float kCoarseCoordinate = 65536.0F;
+
+// Cell numbers beyond this do not fit an integer; the bits of the number then stand for the cell.
+constexpr double kLargestCell = 9e15;
+
+bool IsFinite(const ContourEnd& end)
+{
+    return std::isfinite(end.x) && std::isfinite(end.y) && std::isfinite(end.z);
+}
+
+std::int64_t CellOf(double coordinate)
+{
+    const double scaled = coordinate * kCellsPerUnit;
+    if (!(std::fabs(scaled) < kLargestCell))
+        return std::bit_cast<std::int64_t>(scaled);
+    const auto truncated = static_cast<std::int64_t>(scaled);
+    return truncated - (static_cast<double>(truncated) > scaled ? 1 : 0);
+}
+
+// The cells, at most two of them neighbours, that hold all coordinates which meet the given one.
+// Scaling and flooring are monotone, so rounding cannot put such a coordinate outside.
+struct CellRange
+{
+    explicit CellRange(float coordinate)
+    {
+        const double reach = std::fabs(coordinate) < kCoarseCoordinate ? kJoinTolerance : 0.0;
+        low = CellOf(static_cast<double>(coordinate) - reach);
+        high = CellOf(static_cast<double>(coordinate) + reach);
+    }
+
+    std::int64_t low;
+    std::int64_t high;
+};
+
+bool DoCoordinatesMeet(float a, float b)
+{
+    return static_cast<double>(std::fabs(a - b)) < kJoinTolerance;
+}
+
+} // namespace
+
+bool DoEndsMeet(const ContourEnd& a, const ContourEnd& b)
+{
+    return DoCoordinatesMeet(a.x, b.x) && DoCoordinatesMeet(a.y, b.y) &&
+           DoCoordinatesMeet(a.z, b.z);
+}
+
+EndGrid::EndGrid(std::size_t capacity)
+    : _buckets(std::bit_ceil(2 * capacity + 2)),
+      _entries(capacity),
+      _shift(64 - std::countr_zero(_buckets.size()))
+{}
+
+void EndGrid::Insert(std::uint32_t number, const ContourEnd& end)
+{
+    if (!IsFinite(end))
+        return;
+    Entry& entry = _entries[number];
+    entry.end = end;
+    entry.bucket = _BucketOf(CellOf(end.x), CellOf(end.y), CellOf(end.z));
+    Bucket& bucket = _buckets[entry.bucket];
+    // Numbers arrive in rising order, or below all others of their crowd.
+    std::uint32_t before = bucket.last;
+    if (bucket.first != kNone && number < bucket.first)
+        before = kNone;
+    while (before != kNone && before > number)
+        before = _entries[before].previous;
+    std::uint32_t& link = before == kNone ? bucket.first : _entries[before].next;
+    entry.previous = before;
+    entry.next = link;
+    link = number;
+    (entry.next == kNone ? bucket.last : _entries[entry.next].previous) = number;
+}
+
+void EndGrid::Remove(std::uint32_t number)
+{
+    Entry& entry = _entries[number];
+    if (entry.bucket == kNone)
+        return;
+    Bucket& bucket = _buckets[entry.bucket];
+    (entry.previous == kNone ? bucket.first : _entries[entry.previous].next) = entry.next;
+    (entry.next == kNone ? bucket.last : _entries[entry.next].previous) = entry.previous;
+    entry.bucket = kNone;
+}
+
+std::uint32_t EndGrid::FindFirst(const ContourEnd& end, std::uint32_t excluded) const
+{
+    std::uint32_t found = kNone;
+    if (!IsFinite(end))
+        return found;
+    const CellRange xs(end.x);
+    const CellRange ys(end.y);
+    const CellRange zs(end.z);
+    // Each range is its low and its high cell, visited once when they are the same.
+    for (std::int64_t x = xs.low;; x = xs.high) {
+        for (std::int64_t y = ys.low;; y = ys.high) {
+            for (std::int64_t z = zs.low;; z = zs.high) {
+                found = _FindInBucket(_BucketOf(x, y, z), end, excluded, found);
+                if (z == zs.high)
+                    break;
+            }
+            if (y == ys.high)
+                break;
+        }
+        if (x == xs.high)
+            break;
+    }
+    return found;
+}
+
+// Multiplicative hashing: the top bits of a product with an odd constant depend on all bits below.
+std::uint32_t EndGrid::_BucketOf(std::int64_t x, std::int64_t y, std::int64_t z) const
+{
+    std::uint64_t hash = static_cast<std::uint64_t>(x) * 0x9E3779B97F4A7C15U;
+    hash = (hash ^ (hash >> 32) ^ static_cast<std::uint64_t>(y)) * 0xBF58476D1CE4E5B9U;
+    hash = (hash ^ (hash >> 32) ^ static_cast<std::uint64_t>(z)) * 0x94D049BB133111EBU;
+    return static_cast<std::uint32_t>(hash >> _shift);
+}
+
+std::uint32_t EndGrid::_FindInBucket(std::uint32_t bucket, const ContourEnd& end,
+                                     std::uint32_t excluded, std::uint32_t limit) const
+{
+    for (std::uint32_t number = _buckets[bucket].first; number < limit;) {
+        const Entry& entry = _entries[number];
+        if (number != excluded && DoEndsMeet(end, entry.end))
+            return number;
+        number = entry.next;
+    }
+    return limit;
+}
+
+} // namespace Norvek::Math::Core
