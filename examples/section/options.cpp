@@ -1,0 +1,126 @@
+#include "options.h"
+
+#include "surface.h"
+
+#include <charconv>
+#include <cmath>
+
+namespace section
+{
+
+const char* const kHelp = R"(Usage: section [OPTION]... [SURFACE]
+
+Cuts a surface with planes, joins the pieces into contours and measures them.
+
+SURFACE is a height grid (text: ncols, nrows, cellsize or dx and dy, then the rows
+from north to south) or, by the ending .obj, a mesh of points (v) and faces (f).
+Without it the program cuts the elevation model that comes with it.
+
+Planes, any number; without one: --levels 20 --fit
+  --plane A,B,C,D        the plane A x + B y + C z + D = 0
+  --fit                  the least-squares plane of the points
+  --levels STEP          horizontal planes at the multiples of STEP
+
+Questions and results
+  --clip X,Y,Z,X,Y,Z     keep what lies between the planes through two points that
+                         are perpendicular to the line between them
+  --point X,Y,Z          tell where the point, moved onto each section's plane, lies
+                         relative to its closed contours; any number
+  --svg FILE             draw the sections over the shaded surface
+  --unit NAME            the unit of length, for the labels of the picture
+  --help                 show this text
+
+Contours come out clockwise around material, counter-clockwise around holes, seen
+against the plane's normal; a surface must be oriented for that (faces
+counter-clockwise from outside). Exit status: 0 done, 1 not done, with one line
+that says why.
+)";
+
+namespace
+{
+
+std::vector<double> Numbers(const std::string& option, const std::string& text, std::size_t count)
+{
+    std::vector<double> numbers;
+    const char* next = text.data();
+    const char* const end = next + text.size();
+    while (true) {
+        double value = 0.0;
+        const auto [stop, error] = std::from_chars(next, end, value);
+        if (error != std::errc() || !std::isfinite(value))
+            break;
+        numbers.push_back(value);
+        next = stop;
+        if (next == end || *next != ',')
+            break;
+        ++next;
+    }
+    if (next != end || numbers.size() != count)
+        throw Failure(option + " takes " + std::to_string(count) +
+                      (count == 1 ? " number" : " numbers with commas between") + ", not '" + text +
+                      "'");
+    return numbers;
+}
+
+void TakeOption(Options& options, const std::string& option, const std::string& value)
+{
+    if (option == "--plane") {
+        const std::vector<double> n = Numbers(option, value, 4);
+        const MMPlaneEq<double> plane(n[0], n[1], n[2], n[3]);
+        if (!plane.IsPlane())
+            throw Failure("--plane needs a normal that is not zero");
+        options.planes.push_back(plane);
+    } else if (option == "--levels") {
+        options.levelStep = Numbers(option, value, 1)[0];
+        if (!(options.levelStep > 0.0))
+            throw Failure("--levels needs a positive step");
+    } else if (option == "--clip") {
+        const std::vector<double> n = Numbers(option, value, 6);
+        options.clip = {{n[0], n[1], n[2]}, {n[3], n[4], n[5]}};
+    } else if (option == "--point") {
+        const std::vector<double> n = Numbers(option, value, 3);
+        options.points.emplace_back(n[0], n[1], n[2]);
+    } else if (option == "--unit") {
+        options.unit = value;
+    } else {
+        options.picture = value;
+    }
+}
+
+} // namespace
+
+Options ReadOptions(int argc, char** argv)
+{
+    Options options;
+    for (int i = 1; i < argc; ++i) {
+        const std::string word = argv[i];
+        if (word == "--help") {
+            options.isHelpWanted = true;
+        } else if (word == "--fit") {
+            options.isFitWanted = true;
+        } else if (word == "--plane" || word == "--levels" || word == "--clip" ||
+                   word == "--point" || word == "--svg" || word == "--unit")
+        {
+            if (++i == argc)
+                throw Failure(word + " needs a value; see --help");
+            TakeOption(options, word, argv[i]);
+        } else if (word.starts_with("-")) {
+            throw Failure("there is no option " + word + "; see --help");
+        } else if (!options.surface.empty()) {
+            throw Failure("one surface at a time: " + options.surface + " or " + word);
+        } else {
+            options.surface = word;
+        }
+    }
+    if (options.surface.empty()) {
+        options.surface = SECTION_DEFAULT_SURFACE;
+        options.unit = "m";
+    }
+    if (options.planes.empty() && !options.isFitWanted && options.levelStep == 0.0) {
+        options.isFitWanted = true;
+        options.levelStep = 20.0;
+    }
+    return options;
+}
+
+} // namespace section
