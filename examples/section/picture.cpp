@@ -2,6 +2,8 @@
 
 #include "text.h"
 
+#include <norvek/foundation/point2d.h>
+
 #include <algorithm>
 #include <array>
 #include <cmath>

@@ -82,7 +82,7 @@ void WritePositions(std::ostream& out, const Options& options, const std::vector
         out << "\nPoint " << options.points[i] << '\n';
         for (const Section& section : sections)
             out << "  " << std::left << std::setw(18) << section.name << std::right
-                << words[section.positions[i]] << '\n';
+                << words[static_cast<std::size_t>(section.positions[i])] << '\n';
     }
 }
 

@@ -110,9 +110,9 @@ void Clip(Section& section, const Surface& surface, const Options& options)
     const MMPoint3d<double> up(0.0, 0.0, 1.0);
     MFrame<float> frame;
     frame.origin = MMPoint3d<float>(ends[0]);
-    frame.axes[0] = MMPoint3d<float>(along);
-    frame.axes[1] = MMPoint3d<float>(up.Cross(along));
-    frame.axes[2] = MMPoint3d<float>(up);
+    frame.xAxis = MMPoint3d<float>(along);
+    frame.yAxis = MMPoint3d<float>(up.Cross(along));
+    frame.zAxis = MMPoint3d<float>(up);
     ClipBorderInFrame(section.border, frame);
 }
 
