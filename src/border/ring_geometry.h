@@ -2,6 +2,7 @@
 
 #include "foundation/safe_length.h"
 
+#include <norvek/border/border_point.h>
 #include <norvek/foundation/coordinate.h>
 
 #include <cstddef>
@@ -56,6 +57,9 @@ EdgeVerdict JudgeEdge(const Point& p, const Point& q, double x, double y)
 
 /// Adds the edges of the ring that cross the ray to `count`; true, with the count half done, as
 /// soon as the point lies on one.
+///
+/// An edge both of whose ends lie strictly above the ray's line, or strictly below, says nothing
+/// (see `JudgeEdge`): runs of such edges are walked over with one comparison a point.
 template <class Point>
 bool CountCrossings(const Point* first, double x, double y, std::size_t& count)
 {
@@ -63,7 +67,18 @@ bool CountCrossings(const Point* first, double x, double y, std::size_t& count)
         return false;
     const Point* p = first;
     do {
-        const Point* const q = p->next;
+        const Point* q = NextInRing(p);
+        if (static_cast<double>(p->y) > y) {
+            while (q != first && static_cast<double>(q->y) > y) {
+                p = q;
+                q = NextInRing(p);
+            }
+        } else if (static_cast<double>(p->y) < y) {
+            while (q != first && static_cast<double>(q->y) < y) {
+                p = q;
+                q = NextInRing(p);
+            }
+        }
         const EdgeVerdict verdict = JudgeEdge(*p, *q, x, y);
         if (verdict == EdgeVerdict::Touches)
             return true;
@@ -82,7 +97,7 @@ double SignedArea(const Point* first)
         return area;
     const Point* p = first;
     do {
-        const Point* const q = p->next;
+        const Point* const q = NextInRing(p);
         // A vertical edge is skipped, not added as zero: with an infinite y it would add NaN.
         if (q->x != p->x) {
             if constexpr (std::integral<typename Point::CoordinateType>) {
@@ -106,16 +121,16 @@ template <class Point>
 double RingLength(const Point* first, bool isClosed)
 {
     double length = 0.0;
-    if (first == nullptr)
+    if (first == nullptr || first->next == first)
         return length;
-    for (const Point* p = first; isClosed || p->next != first;) {
-        const Point* const q = p->next;
+    const Point* p = first;
+    const Point* const end = isClosed ? first : first->previous;
+    do {
+        const Point* const q = NextInRing(p);
         length += SafeLength(static_cast<double>(q->x) - static_cast<double>(p->x),
                              static_cast<double>(q->y) - static_cast<double>(p->y), 0.0);
         p = q;
-        if (p == first)
-            break;
-    }
+    } while (p != end);
     return length;
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <norvek/border/border_point.h>
+
 #include <cstddef>
 #include <iterator>
 #include <type_traits>
@@ -60,8 +62,8 @@ public:
     /// To the next point, from the last one to the end.
     M3dBorderContourIterator& operator++()
     {
-        _point = _point->next;
-        if (_point == _contour->GetFirstPoint())
+        _point = Norvek::Math::Core::NextInRing(_point);
+        if (_point == _contour->GetFirstPoint()) [[unlikely]]
             _point = nullptr;
         return *this;
     }

@@ -62,3 +62,29 @@ struct NORVEK_MATH_API M3dBorderPoint
     /// 0 while the record is in use, 1 once it has been given back to the pool.
     std::uint32_t freeFlag = 0;
 };
+
+namespace Norvek::Math::Core
+{
+
+/// The next point of the ring.
+///
+/// Points that were appended one after another lie side by side in their block, so the next point
+/// is nearly always the neighbouring record. Saying so lets the processor go on with that address
+/// while the link is still on its way from memory; a plain `point->next` makes every step of a walk
+/// wait for the one before. The empty assembly keeps the compiler from seeing that both are equal,
+/// which would lead it back to the link.
+template <class Point>
+Point* NextInRing(Point* point)
+{
+    Point* const next = point->next;
+#if defined(__GNUC__)
+    Point* neighbour = point + 1;
+    if (next == neighbour) [[likely]] {
+        asm("" : "+r"(neighbour));
+        return neighbour;
+    }
+#endif
+    return next;
+}
+
+} // namespace Norvek::Math::Core
