@@ -11,7 +11,7 @@ namespace
 
 // Wide against the tolerance, so that a search seldom touches more than one cell; narrow against
 // the pieces of a drawing, so that a cell seldom holds more than one place.
-constexpr double kCellsPerUnit = 1.0 / (8.0 * kJoinTolerance);
+constexpr double kCellsPerUnit = 1.0 / (16.0 * kJoinTolerance);
 
 // From here on neighbouring floats are further apart than the tolerance (and those just below are
 // too): only equal coordinates meet.
@@ -27,7 +27,8 @@ bool IsFinite(const ContourEnd& end)
 
 std::int64_t CellOf(double coordinate)
 {
-    const double scaled = coordinate * kCellsPerUnit;
+    // Shifted by half a cell: 0, where flat drawings have their payload, lies amid a cell.
+    const double scaled = coordinate * kCellsPerUnit + 0.5;
     if (!(std::fabs(scaled) < kLargestCell))
         return std::bit_cast<std::int64_t>(scaled);
     const auto truncated = static_cast<std::int64_t>(scaled);
@@ -63,44 +64,46 @@ bool DoEndsMeet(const ContourEnd& a, const ContourEnd& b)
 }
 
 EndGrid::EndGrid(std::size_t capacity)
-    : _buckets(std::bit_ceil(2 * capacity + 2)),
+    : _buckets(std::bit_ceil(capacity + 2)),
       _entries(capacity),
       _shift(64 - std::countr_zero(_buckets.size()))
 {}
 
-void EndGrid::Insert(std::uint32_t number, const ContourEnd& end)
+void EndGrid::Insert(Side side, std::uint32_t number, const ContourEnd& end)
 {
     if (!IsFinite(end))
         return;
-    Entry& entry = _entries[number];
+    const auto which = static_cast<std::size_t>(side);
+    Entry& entry = _entries[number][which];
     entry.end = end;
     entry.bucket = _BucketOf(CellOf(end.x), CellOf(end.y), CellOf(end.z));
-    Bucket& bucket = _buckets[entry.bucket];
+    List& list = _buckets[entry.bucket][which];
     // Numbers arrive in rising order, or below all others of their crowd.
-    std::uint32_t before = bucket.last;
-    if (bucket.first != kNone && number < bucket.first)
+    std::uint32_t before = list.last;
+    if (list.first != kNone && number < list.first)
         before = kNone;
     while (before != kNone && before > number)
-        before = _entries[before].previous;
-    std::uint32_t& link = before == kNone ? bucket.first : _entries[before].next;
+        before = _entries[before][which].previous;
+    std::uint32_t& link = before == kNone ? list.first : _entries[before][which].next;
     entry.previous = before;
     entry.next = link;
     link = number;
-    (entry.next == kNone ? bucket.last : _entries[entry.next].previous) = number;
+    (entry.next == kNone ? list.last : _entries[entry.next][which].previous) = number;
 }
 
-void EndGrid::Remove(std::uint32_t number)
+void EndGrid::Remove(Side side, std::uint32_t number)
 {
-    Entry& entry = _entries[number];
+    const auto which = static_cast<std::size_t>(side);
+    Entry& entry = _entries[number][which];
     if (entry.bucket == kNone)
         return;
-    Bucket& bucket = _buckets[entry.bucket];
-    (entry.previous == kNone ? bucket.first : _entries[entry.previous].next) = entry.next;
-    (entry.next == kNone ? bucket.last : _entries[entry.next].previous) = entry.previous;
+    List& list = _buckets[entry.bucket][which];
+    (entry.previous == kNone ? list.first : _entries[entry.previous][which].next) = entry.next;
+    (entry.next == kNone ? list.last : _entries[entry.next][which].previous) = entry.previous;
     entry.bucket = kNone;
 }
 
-std::uint32_t EndGrid::FindFirst(const ContourEnd& end, std::uint32_t excluded) const
+std::uint32_t EndGrid::FindFirst(Side side, const ContourEnd& end, std::uint32_t excluded) const
 {
     std::uint32_t found = kNone;
     if (!IsFinite(end))
@@ -112,7 +115,7 @@ std::uint32_t EndGrid::FindFirst(const ContourEnd& end, std::uint32_t excluded) 
     for (std::int64_t x = xs.low;; x = xs.high) {
         for (std::int64_t y = ys.low;; y = ys.high) {
             for (std::int64_t z = zs.low;; z = zs.high) {
-                found = _FindInBucket(_BucketOf(x, y, z), end, excluded, found);
+                found = _FindInBucket(_BucketOf(x, y, z), side, end, excluded, found);
                 if (z == zs.high)
                     break;
             }
@@ -134,11 +137,12 @@ std::uint32_t EndGrid::_BucketOf(std::int64_t x, std::int64_t y, std::int64_t z)
     return static_cast<std::uint32_t>(hash >> _shift);
 }
 
-std::uint32_t EndGrid::_FindInBucket(std::uint32_t bucket, const ContourEnd& end,
+std::uint32_t EndGrid::_FindInBucket(std::uint32_t bucket, Side side, const ContourEnd& end,
                                      std::uint32_t excluded, std::uint32_t limit) const
 {
-    for (std::uint32_t number = _buckets[bucket].first; number < limit;) {
-        const Entry& entry = _entries[number];
+    const auto which = static_cast<std::size_t>(side);
+    for (std::uint32_t number = _buckets[bucket][which].first; number < limit;) {
+        const Entry& entry = _entries[number][which];
         if (number != excluded && DoEndsMeet(end, entry.end))
             return number;
         number = entry.next;

@@ -3,6 +3,7 @@
 #include <norvek/border/border_point.h>
 #include <norvek/foundation/point3d.h>
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <vector>
@@ -28,11 +29,18 @@ inline ContourEnd EndAt(const M3dBorderPoint<float, float>& point)
 /// differences taken in `float`. An infinite or NaN coordinate meets nothing, not even itself.
 bool DoEndsMeet(const ContourEnd& a, const ContourEnd& b);
 
-/// One end of each of a numbered set of contours, found by place: a hash over cubic cells a few
-/// tolerances wide.
+/// Which end of a contour.
+enum class Side : std::uint8_t
+{
+    Front,
+    Back
+};
+
+/// The ends of a numbered set of contours, found by place: a hash over cubic cells some tolerances
+/// wide.
 ///
-/// A bucket lists its ends by rising number, so that a search stops at the first end that meets,
-/// and a crowd of ends in one place is searched as fast as a single one.
+/// A bucket lists its front ends and its back ends by rising number, so that a search stops at the
+/// first end that meets, and a crowd of ends in one place is searched as fast as a single one.
 class EndGrid
 {
 public:
@@ -43,17 +51,19 @@ public:
     /// later.
     explicit EndGrid(std::size_t capacity);
 
-    /// Enters the end of an absent contour. An end that meets nothing, not even itself, stays out.
-    void Insert(std::uint32_t number, const ContourEnd& end);
+    /// Enters an absent end of a contour. An end that meets nothing, not even itself, stays out.
+    void Insert(Side side, std::uint32_t number, const ContourEnd& end);
 
-    /// Takes the end of a contour out, if it is there.
-    void Remove(std::uint32_t number);
+    /// Takes an end of a contour out, if it is there.
+    void Remove(Side side, std::uint32_t number);
 
-    /// The smallest number, `excluded` left out, whose end meets `end`; `kNone` without any.
-    [[nodiscard]] std::uint32_t FindFirst(const ContourEnd& end, std::uint32_t excluded) const;
+    /// The smallest number, `excluded` left out, of a contour with that end meeting `end`; `kNone`
+    /// without any.
+    [[nodiscard]] std::uint32_t FindFirst(Side side, const ContourEnd& end,
+                                          std::uint32_t excluded) const;
 
 private:
-    struct Bucket
+    struct List
     {
         std::uint32_t first = kNone;
         std::uint32_t last = kNone;
@@ -67,12 +77,17 @@ private:
         std::uint32_t next = kNone;
     };
 
+    // One for each side, beside each other in memory.
+    using Bucket = std::array<List, 2>;
+    using Entries = std::array<Entry, 2>;
+
     [[nodiscard]] std::uint32_t _BucketOf(std::int64_t x, std::int64_t y, std::int64_t z) const;
-    [[nodiscard]] std::uint32_t _FindInBucket(std::uint32_t bucket, const ContourEnd& end,
-                                              std::uint32_t excluded, std::uint32_t limit) const;
+    [[nodiscard]] std::uint32_t _FindInBucket(std::uint32_t bucket, Side side,
+                                              const ContourEnd& end, std::uint32_t excluded,
+                                              std::uint32_t limit) const;
 
     std::vector<Bucket> _buckets;
-    std::vector<Entry> _entries;
+    std::vector<Entries> _entries;
     int _shift = 0;
 };
 

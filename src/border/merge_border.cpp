@@ -34,8 +34,7 @@ class Merger
 public:
     Merger(Border& target, const Border& source)
         : _target(target),
-          _fronts(std::size_t{target.GetNumContours()} + source.GetNumContours()),
-          _backs(std::size_t{target.GetNumContours()} + source.GetNumContours())
+          _ends(std::size_t{target.GetNumContours()} + source.GetNumContours())
     {
         _contours.reserve(std::size_t{target.GetNumContours()} + source.GetNumContours());
         for (Contour& contour : target)
@@ -58,10 +57,10 @@ public:
         }
         Contour& carrier = *_contours[back];
         if (_JoinInFront(carrier, back)) {
-            _fronts.Remove(back);
+            _ends.Remove(Side::Front, back);
             _target.RemoveContour(&carrier);
         } else if (!carrier.GetIsClosed()) {
-            _backs.Insert(back, LastEnd(carrier));
+            _ends.Insert(Side::Back, back, LastEnd(carrier));
         }
     }
 
@@ -77,8 +76,8 @@ private:
         _contours.push_back(&contour);
         if (!_CanJoin(contour))
             return;
-        _fronts.Insert(number, FirstEnd(contour));
-        _backs.Insert(number, LastEnd(contour));
+        _ends.Insert(Side::Front, number, FirstEnd(contour));
+        _ends.Insert(Side::Back, number, LastEnd(contour));
     }
 
     void _Append(std::unique_ptr<Contour> piece)
@@ -90,8 +89,9 @@ private:
     // number; its back end is then out of the grid. Of the two matched points the target's stays.
     std::uint32_t _JoinAtBack(Contour& piece)
     {
-        const std::uint32_t number = std::min(_backs.FindFirst(FirstEnd(piece), EndGrid::kNone),
-                                              _backs.FindFirst(LastEnd(piece), EndGrid::kNone));
+        const std::uint32_t number =
+            std::min(_ends.FindFirst(Side::Back, FirstEnd(piece), EndGrid::kNone),
+                     _ends.FindFirst(Side::Back, LastEnd(piece), EndGrid::kNone));
         if (number == EndGrid::kNone)
             return number;
         Contour& contour = *_contours[number];
@@ -99,7 +99,7 @@ private:
             piece.Invert();
         piece.RemovePoint(piece.GetFirstPoint());
         contour.InsertAtEnd(piece);
-        _backs.Remove(number);
+        _ends.Remove(Side::Back, number);
         return number;
     }
 
@@ -110,12 +110,12 @@ private:
     {
         const ContourEnd first = FirstEnd(carrier);
         const ContourEnd last = LastEnd(carrier);
-        const std::uint32_t number =
-            std::min(_fronts.FindFirst(last, own), _fronts.FindFirst(first, own));
+        const std::uint32_t number = std::min(_ends.FindFirst(Side::Front, last, own),
+                                              _ends.FindFirst(Side::Front, first, own));
         if (own < number && DoEndsMeet(last, first)) {
             carrier.RemovePoint(carrier.GetFirstPoint());
             carrier.SetIsClosed(true);
-            _fronts.Remove(own);
+            _ends.Remove(Side::Front, own);
             return false;
         }
         if (number == EndGrid::kNone)
@@ -126,18 +126,17 @@ private:
         const bool hasOwnBack = contour.GetNumPoints() > 1;
         contour.RemovePoint(contour.GetFirstPoint());
         contour.InsertAtFront(carrier);
-        _fronts.Remove(number);
-        _fronts.Insert(number, FirstEnd(contour));
+        _ends.Remove(Side::Front, number);
+        _ends.Insert(Side::Front, number, FirstEnd(contour));
         if (!hasOwnBack) {
-            _backs.Remove(number);
-            _backs.Insert(number, LastEnd(contour));
+            _ends.Remove(Side::Back, number);
+            _ends.Insert(Side::Back, number, LastEnd(contour));
         }
         return true;
     }
 
     Border& _target;
-    EndGrid _fronts;
-    EndGrid _backs;
+    EndGrid _ends;
     std::vector<Contour*> _contours;
 };
 
