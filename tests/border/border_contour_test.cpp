@@ -79,7 +79,8 @@ public:
             EXPECT_EQ(a.contour.InsertAtEnd(px, py, payload)->payload, payload);
             a.model.push_back(place);
         } else if (choice == 1) {
-            EXPECT_EQ(a.contour.InsertAtFront(px, py, payload), a.contour.GetFirstPoint());
+            auto* const inserted = a.contour.InsertAtFront(px, py, payload);
+            EXPECT_EQ(inserted, a.contour.GetFirstPoint());
             a.model.insert(a.model.begin(), place);
         } else if (choice == 2 && count > 0) {
             a.contour.InsertAtPoint(px, py, payload, a.Point(at));
