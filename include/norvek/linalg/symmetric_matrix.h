@@ -1,0 +1,72 @@
+#pragma once
+
+#include <norvek/linalg/matrix.h>
+#include <norvek/linalg/matrix_storage.h>
+
+#include <cassert>
+
+/// A symmetric matrix, its lower triangle packed row by row: (i, j) and (j, i) are one stored
+/// value, at index g (g + 1) / 2 + s with g the greater and s the smaller of i and j.
+///
+/// Rows and columns are always equal. Values are not initialised.
+class NORVEK_MATH_API MSymmetricMatrix : public MMatrix
+{
+public:
+    /// 0 x 0, without storage.
+    MSymmetricMatrix() = default;
+
+    /// order x order. Throws `std::bad_alloc` when there is no memory.
+    explicit MSymmetricMatrix(unsigned int order);
+
+    /// Deep copy; a matrix without storage gives one without storage.
+    MSymmetricMatrix(const MSymmetricMatrix& other) = default;
+
+    /// Deep copy; the storage is reallocated only when the orders differ.
+    MSymmetricMatrix& operator=(const MSymmetricMatrix& other);
+
+    ~MSymmetricMatrix() = default;
+
+    /// False, nothing changed, for rows != columns or without memory. With an equal order the
+    /// values stay, otherwise they are undefined.
+    bool SetDimensions(unsigned int rows, unsigned int columns) override;
+
+    /// The element, in either order of the indices: writing (0, 1) changes (1, 0).
+    double& Element(unsigned int row, unsigned int column) override
+    {
+        assert(row < _rows && column < _rows && _storage.Values() != nullptr);
+        return _storage.Values()[_Index(row, column)];
+    }
+
+    [[nodiscard]] double Value(unsigned int row, unsigned int column) const override
+    {
+        assert(row < _rows && column < _rows && _storage.Values() != nullptr);
+        return _storage.Values()[_Index(row, column)];
+    }
+
+    void CleanUp() override;
+
+    /// All values 0.
+    void SetToZero();
+
+    /// Makes `target` a copy of this matrix whose diagonal is multiplied by `factor`: the step that
+    /// damps normal equations. `target` may be this matrix; it keeps
+    /// storage of the same order.
+    void MultiplyDiagonal(MSymmetricMatrix& target, double factor) const;
+
+    /// The sum of the squares of all n^2 elements, so that values off the diagonal count twice; row
+    /// by row from the left.
+    [[nodiscard]] double GetEuclidNormSq() const;
+
+    /// The same sum without the diagonal.
+    [[nodiscard]] double GetOffDiagonalEuclidNormSq() const;
+
+private:
+    friend class MGeneralMatrix;
+
+    [[nodiscard]] static std::size_t _Index(std::size_t row, std::size_t column)
+    {
+        return row >= column ? row * (row + 1) / 2 + column : column * (column + 1) / 2 + row;
+    }
+
+    Norvek::Math::Core::MatrixStorage _storage;
+};

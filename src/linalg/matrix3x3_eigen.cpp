@@ -1,0 +1,95 @@
+#include "foundation/polynomial_roots.h"
+#include "linalg/singular_vector.h"
+
+#include <norvek/linalg/matrix3x3.h>
+
+#include <cmath>
+
+using Norvek::Math::Core::ComplexRoot;
+using Norvek::Math::Core::kEigenImaginary;
+using Norvek::Math::Core::kTenEpsilons;
+using Norvek::Math::Core::NullVector;
+using Norvek::Math::Core::SecondNullVector;
+using Norvek::Math::Core::ThreeVectors;
+
+namespace
+{
+
+// Values that differ by no more than this count as one. Absolute.
+bool Distinct(double a, double b)
+{
+    return std::abs(a - b) > kTenEpsilons;
+}
+
+ThreeVectors Rows(const MMatrix3x3& matrix)
+{
+    return {matrix.GetRow(0), matrix.GetRow(1), matrix.GetRow(2)};
+}
+
+} // namespace
+
+// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
+bool MMatrix3x3::GetEigenValues(double* const values) const
+{
+    const double minors = (_a[1][1] * _a[2][2] - _a[1][2] * _a[2][1]) +
+                          (_a[2][2] * _a[0][0] - _a[2][0] * _a[0][2]) +
+                          (_a[0][0] * _a[1][1] - _a[0][1] * _a[1][0]);
+    const double coefficients[4]{Determinant(), -minors, Trace(), -1.0};
+    ComplexRoot roots[3];
+    Norvek::Math::Core::PolynomialRoots(coefficients, roots);
+    const double tolerance = GetMaxEntry() * kEigenImaginary;
+    bool real = true;
+    for (int k = 0; k < 3; ++k) {
+        values[k] = roots[k].real;
+        real = real && std::abs(roots[k].imaginary) <= tolerance;
+    }
+    return real;
+}
+
+bool MMatrix3x3::GetRightSingular(MMPoint3d<double>& v) const
+{
+    const ThreeVectors rows = Rows(*this);
+    const double tolerance = GetMaxEntry() * kTenEpsilons;
+    v = NullVector(rows, tolerance);
+    return rows.AllPerpendicular(v, tolerance);
+}
+
+bool MMatrix3x3::GetLeftSingular(MMPoint3d<double>& u) const
+{
+    const ThreeVectors columns{GetColumn(0), GetColumn(1), GetColumn(2)};
+    u = NullVector(columns, GetMaxEntry() * kTenEpsilons);
+    // Not scaled by the largest entry, unlike the right one.
+    return columns.AllPerpendicular(u, kTenEpsilons);
+}
+
+// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
+bool MMatrix3x3::GetEigenVectors(MMPoint3d<double>* const vectors, double* const values) const
+{
+    if (!Distinct(values[0], values[1]) && !Distinct(values[1], values[2])) {
+        vectors[0] = {1.0, 0.0, 0.0};
+        vectors[1] = {0.0, 1.0, 0.0};
+        vectors[2] = {0.0, 0.0, 1.0};
+        return true;
+    }
+    const ThreeVectors rows = Rows(*this);
+    // The null vector of A - value I, orthogonal to `first` where that has the same value.
+    const auto find = [&rows](double value, const MMPoint3d<double>* first, MMPoint3d<double>& v) {
+        const ThreeVectors shifted = rows.Shifted(value);
+        const double tolerance = shifted.MaxEntry() * kTenEpsilons;
+        v = first == nullptr ? NullVector(shifted, tolerance)
+                             : SecondNullVector(shifted, *first, tolerance);
+        return shifted.AllPerpendicular(v, tolerance);
+    };
+    const bool firstTwo = Distinct(values[1], values[0]);
+    bool found = find(values[0], nullptr, vectors[0]);
+    found = find(values[1], firstTwo ? nullptr : &vectors[0], vectors[1]) && found;
+    if (!Distinct(values[2], values[1])) {
+        if (firstTwo)
+            return find(values[2], &vectors[1], vectors[2]) && found;
+        vectors[2] = vectors[0].Cross(vectors[1]);
+        return found;
+    }
+    // The order (large, small, large): the double value is the first and the third.
+    const bool likeFirst = firstTwo && !Distinct(values[2], values[0]);
+    return find(values[2], likeFirst ? &vectors[0] : nullptr, vectors[2]) && found;
+}

@@ -1,0 +1,258 @@
+#include "linalg/panel_elimination.h"
+
+#include "linalg/lane_pair.h"
+
+#include <norvek/foundation/constants.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace Norvek::Math::Core
+{
+
+namespace
+{
+
+// A pivot at step k is singular up to k times this. The factor is the step, not the order: at step
+// 0 only an exact zero is singular.
+constexpr double kSingularPerStep = 3.0;
+
+// Matrices up to this many columns are one panel: packing would cost more than it saves.
+constexpr std::size_t kOnePanel = 72;
+
+// Steps in a panel, and columns of the strip that is updated at a time: 16 kB in the first cache.
+constexpr std::size_t kPanel = 32;
+constexpr std::size_t kStrip = 64;
+
+// The tile of the update that is kept in registers.
+constexpr std::size_t kTileRows = 4;
+constexpr std::size_t kTileColumns = 4;
+
+class Elimination
+{
+public:
+    Elimination(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
+        : _values(values),
+          _rows(rows),
+          _columns(columns),
+          _steps(std::min(rows, columns)),
+          _pivot(pivot)
+    {}
+
+    bool Run();
+
+private:
+    double* Row(std::size_t i)
+    {
+        return _values + i * _columns;
+    }
+
+    void Exchange(std::size_t k);
+    void EliminatePanel(std::size_t begin, std::size_t end, std::size_t lastColumn);
+    void EliminateColumn(std::size_t k, std::size_t lastColumn);
+    void UpdateStrip(std::size_t end, std::size_t first, std::size_t width);
+    void PackUpper(std::size_t first, std::size_t width);
+    void PackLower(std::size_t i, std::size_t height);
+    void UpdateTile(std::size_t i, std::size_t height, std::size_t column, std::size_t width,
+                    const double* upper);
+
+    double* _values;
+    std::size_t _rows;
+    std::size_t _columns;
+    std::size_t _steps;
+    unsigned int* _pivot;
+    bool _regular = true;
+
+    // The steps of the panel that took place; those with a singular pivot are passed over.
+    std::size_t _active[kPanel]{};
+    std::size_t _activeCount = 0;
+    std::vector<double> _upper;
+    std::vector<double> _lower;
+};
+
+bool Elimination::Run()
+{
+    for (std::size_t k = _steps; k < _rows; ++k)
+        _pivot[k] = static_cast<unsigned int>(k);
+    if (_columns <= kOnePanel) {
+        for (std::size_t k = 0; k < _steps; ++k) {
+            Exchange(k);
+            if (std::abs(Row(k)[k]) <= static_cast<double>(k) * kSingularPerStep * kMachineEpsilon)
+                _regular = false;
+            else
+                EliminateColumn(k, _columns);
+        }
+        return _regular;
+    }
+    _upper.resize(kPanel * kStrip);
+    _lower.resize(kPanel * kTileRows * 2);
+    for (std::size_t begin = 0; begin < _steps; begin += kPanel) {
+        const std::size_t end = std::min(begin + kPanel, _steps);
+        EliminatePanel(begin, end, end);
+        for (std::size_t first = end; first < _columns; first += kStrip)
+            UpdateStrip(end, first, std::min(kStrip, _columns - first));
+    }
+    return _regular;
+}
+
+// Brings the row with the largest magnitude in column k to row k; a tie keeps the upper row.
+void Elimination::Exchange(std::size_t k)
+{
+    std::size_t p = k;
+    double largest = std::abs(Row(k)[k]);
+    for (std::size_t i = k + 1; i < _steps; ++i) {
+        const double candidate = std::abs(Row(i)[k]);
+        if (largest < candidate) {
+            largest = candidate;
+            p = i;
+        }
+    }
+    if (p != k)
+        std::swap_ranges(Row(p), Row(p) + _columns, Row(k));
+    _pivot[k] = static_cast<unsigned int>(p);
+}
+
+void Elimination::EliminatePanel(std::size_t begin, std::size_t end, std::size_t lastColumn)
+{
+    _activeCount = 0;
+    for (std::size_t k = begin; k < end; ++k) {
+        Exchange(k);
+        if (std::abs(Row(k)[k]) <= static_cast<double>(k) * kSingularPerStep * kMachineEpsilon) {
+            _regular = false;
+            continue;
+        }
+        _active[_activeCount++] = k;
+        EliminateColumn(k, lastColumn);
+    }
+}
+
+void Elimination::EliminateColumn(std::size_t k, std::size_t lastColumn)
+{
+    const double* const pivotRow = Row(k);
+    for (std::size_t i = k + 1; i < _rows; ++i) {
+        double* const row = Row(i);
+        row[k] /= pivotRow[k];
+        const double factor = row[k];
+        for (std::size_t j = k + 1; j < lastColumn; ++j)
+            row[j] -= factor * pivotRow[j];
+    }
+}
+
+// Takes the steps of the panel that ends at `end` to the columns of a strip: first within the rows
+// of the panel, then in all rows below it.
+void Elimination::UpdateStrip(std::size_t end, std::size_t first, std::size_t width)
+{
+    for (std::size_t a = 0; a < _activeCount; ++a) {
+        const std::size_t k = _active[a];
+        const double* const pivotRow = Row(k) + first;
+        for (std::size_t i = k + 1; i < end; ++i) {
+            double* const row = Row(i) + first;
+            const double factor = Row(i)[k];
+            for (std::size_t j = 0; j < width; ++j)
+                row[j] -= factor * pivotRow[j];
+        }
+    }
+    PackUpper(first, width);
+    for (std::size_t i = end; i < _rows; i += kTileRows) {
+        const std::size_t height = std::min(kTileRows, _rows - i);
+        PackLower(i, height);
+        for (std::size_t c = 0; c < width; c += kTileColumns)
+            UpdateTile(i, height, first + c, std::min(kTileColumns, width - c),
+                       _upper.data() + c * _activeCount);
+    }
+}
+
+// The rows of U in the strip, tile by tile: four columns of each step side by side.
+void Elimination::PackUpper(std::size_t first, std::size_t width)
+{
+    double* out = _upper.data();
+    for (std::size_t c = 0; c < width; c += kTileColumns) {
+        const std::size_t count = std::min(kTileColumns, width - c);
+        for (std::size_t a = 0; a < _activeCount; ++a, out += kTileColumns) {
+            std::copy_n(Row(_active[a]) + first + c, count, out);
+            std::fill(out + count, out + kTileColumns, 0.0);
+        }
+    }
+}
+
+// The factors of four rows, each value twice, as the two lanes want it.
+void Elimination::PackLower(std::size_t i, std::size_t height)
+{
+    for (std::size_t r = 0; r < kTileRows; ++r) {
+        double* out = _lower.data() + 2 * r;
+        for (std::size_t a = 0; a < _activeCount; ++a, out += 2 * kTileRows)
+            out[0] = out[1] = r < height ? Row(i + r)[_active[a]] : 0.0;
+    }
+}
+
+// tile -= lower * upper, step by step in ascending order.
+void UpdateRegisters(const double* lower, const double* upper, std::size_t steps, double* tile,
+                     std::size_t stride)
+{
+    LanePair sums[kTileRows][2];
+    for (std::size_t r = 0; r < kTileRows; ++r) {
+        sums[r][0] = LoadPair(tile + r * stride);
+        sums[r][1] = LoadPair(tile + r * stride + 2);
+    }
+    for (std::size_t a = 0; a < steps; ++a, lower += 2 * kTileRows, upper += kTileColumns) {
+        const LanePair left = LoadPair(upper);
+        const LanePair right = LoadPair(upper + 2);
+        for (std::size_t r = 0; r < kTileRows; ++r) {
+            const LanePair factor = LoadPair(lower + 2 * r);
+            sums[r][0] -= factor * left;
+            sums[r][1] -= factor * right;
+        }
+    }
+    for (std::size_t r = 0; r < kTileRows; ++r) {
+        StorePair(tile + r * stride, sums[r][0]);
+        StorePair(tile + r * stride + 2, sums[r][1]);
+    }
+}
+
+void Elimination::UpdateTile(std::size_t i, std::size_t height, std::size_t column,
+                             std::size_t width, const double* upper)
+{
+    if (height == kTileRows && width == kTileColumns) {
+        UpdateRegisters(_lower.data(), upper, _activeCount, Row(i) + column, _columns);
+        return;
+    }
+    double tile[kTileRows * kTileColumns]{};
+    for (std::size_t r = 0; r < height; ++r)
+        std::copy_n(Row(i + r) + column, width, tile + r * kTileColumns);
+    UpdateRegisters(_lower.data(), upper, _activeCount, tile, kTileColumns);
+    for (std::size_t r = 0; r < height; ++r)
+        std::copy_n(tile + r * kTileColumns, width, Row(i + r) + column);
+}
+
+} // namespace
+
+bool Eliminate(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
+{
+    return Elimination(values, rows, columns, pivot).Run();
+}
+
+void SubstituteForwards(const double* values, std::size_t n, std::size_t stride, double* b)
+{
+    // Four rows at a time, so that their chains of subtractions overlap.
+    std::size_t i = 0;
+    for (; i + 4 <= n; i += 4) {
+        const double* const row = values + i * stride;
+        double rest[4]{b[i], b[i + 1], b[i + 2], b[i + 3]};
+        for (std::size_t k = 0; k < i; ++k) {
+            for (std::size_t r = 0; r < 4; ++r)
+                rest[r] -= row[r * stride + k] * b[k];
+        }
+        for (std::size_t r = 0; r < 4; ++r) {
+            for (std::size_t k = 0; k < r; ++k)
+                rest[r] -= row[r * stride + i + k] * rest[k];
+        }
+        std::copy_n(rest, 4, b + i);
+    }
+    for (; i < n; ++i) {
+        for (std::size_t k = 0; k < i; ++k)
+            b[i] -= values[i * stride + k] * b[k];
+    }
+}
+
+} // namespace Norvek::Math::Core
