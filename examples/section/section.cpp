@@ -143,6 +143,7 @@ void Measure(Section& section, const Surface& surface, const Options& options)
 
 PlaneFit FitPlane(const Surface& surface)
 {
+    //! [fit]
     MMLeastSquarePlane fit;
     fit.Calculate(surface.points);
     if (fit.GetIsLine())
@@ -151,6 +152,7 @@ PlaneFit FitPlane(const Surface& surface)
     for (const MMPoint3d<double>& point : surface.points)
         fit._UpdateDeviation(point);
     fit._UpdateDeviation(static_cast<unsigned int>(surface.points.size()));
+    //! [fit]
     PlaneFit result{fit.GetPlane(), fit.GetStandardDeviation(), fit.GetMaxDeviation()};
     if (result.plane.C() < 0.0)
         result.plane.Invert();

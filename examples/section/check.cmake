@@ -1,0 +1,89 @@
+# Runs the program on small surfaces whose sections are known, and on input that it must refuse.
+# Variables: PROGRAM, the executable; WORK, a folder for the files.
+
+# A cube of half side `half` as OBJ text; `turned` gives inward faces. `first` is the number of its first
+# corner.
+function(cube out half first turned)
+    set(text "")
+    foreach(z IN ITEMS -${half} ${half})
+        foreach(corner IN ITEMS "-${half} -${half}" "${half} -${half}" "${half} ${half}" "-${half} ${half}")
+            string(APPEND text "v ${corner} ${z}\n")
+        endforeach()
+    endforeach()
+    foreach(face IN ITEMS "3 2 1 0" "4 5 6 7" "0 1 5 4" "1 2 6 5" "2 3 7 6" "3 0 4 7")
+        string(REPLACE " " ";" corners ${face})
+        if(turned)
+            list(REVERSE corners)
+        endif()
+        string(APPEND text "f")
+        foreach(corner IN LISTS corners)
+            math(EXPR number "${corner} + ${first}")
+            string(APPEND text " ${number}")
+        endforeach()
+        string(APPEND text "\n")
+    endforeach()
+    set(${out} "${text}" PARENT_SCOPE)
+endfunction()
+
+# The report of a run holds every one of the expected patterns.
+function(expect_report arguments)
+    separate_arguments(words UNIX_COMMAND "${arguments}")
+    execute_process(COMMAND ${PROGRAM} ${words} WORKING_DIRECTORY ${WORK}
+        OUTPUT_VARIABLE output ERROR_VARIABLE error RESULT_VARIABLE status)
+    if(NOT status EQUAL 0)
+        message(FATAL_ERROR "section ${arguments}: status ${status}: ${error}")
+    endif()
+    foreach(pattern IN LISTS ARGN)
+        if(NOT output MATCHES "${pattern}")
+            message(FATAL_ERROR "section ${arguments}: no '${pattern}' in\n${output}")
+        endif()
+    endforeach()
+endfunction()
+
+# A run is refused with status 1 and one line that matches.
+function(expect_refusal arguments pattern)
+    separate_arguments(words UNIX_COMMAND "${arguments}")
+    execute_process(COMMAND ${PROGRAM} ${words} WORKING_DIRECTORY ${WORK}
+        OUTPUT_VARIABLE output ERROR_VARIABLE error RESULT_VARIABLE status)
+    if(NOT status EQUAL 1 OR NOT error MATCHES "^section: [^\n]*${pattern}[^\n]*\n$")
+        message(FATAL_ERROR "section ${arguments}: status ${status}, '${error}'")
+    endif()
+endfunction()
+
+file(MAKE_DIRECTORY ${WORK})
+cube(shell 2 1 FALSE)
+cube(cavity 1 9 TRUE)
+file(WRITE ${WORK}/hollow.obj "${shell}${cavity}")
+file(WRITE ${WORK}/wrong.obj "v 0 0 0\nv 1 0 0\nv 0 one 0\n")
+file(WRITE ${WORK}/beyond.obj "v 0 0 0\nf 1 2 3\n")
+file(WRITE ${WORK}/points.obj "v 0 0 0\n")
+file(WRITE ${WORK}/short.asc "ncols 3\nnrows 2\ncellsize 1\n1 2 3\n4 5\n")
+file(WRITE ${WORK}/pit.asc "ncols 4\nnrows 4\ncellsize 1\n9 9 9 9\n9 1 1 9\n9 1 1 9\n9 9 9 9\n")
+
+# A hollow cube: the walls around the cavity, wherever the plane lies and however it is turned.
+expect_report("--plane 0,0,1,0.5 --point 1.5,0,7 --point 0,0,0 --point 2,0,0 hollow.obj"
+    "closed, outer +[0-9]+ points +16.000000 +16.000000"
+    "closed, inner +[0-9]+ points +8.000000 +-4.000000"
+    "1.5, 0, 7.\n +plane 1 +inside" "0, 0, 0.\n +plane 1 +outside" "2, 0, 0.\n +plane 1 +on a contour")
+expect_report("--plane 3,0,0,0 --svg hollow.svg hollow.obj" "closed, inner +[0-9]+ points +8.000000 +-4.000000")
+# Corners in the plane, and a slab that opens the rings.
+expect_report("--plane 0,0,1,-1 hollow.obj" "closed, outer +[0-9]+ points +16.000000 +16.000000")
+expect_report("--plane 0,0,1,0 --clip -9,0,0,0,0,0 hollow.obj" "plane 1 +0 +2 +12.000000 +0.000000")
+# A pit is a hole in the material above the level.
+expect_report("--levels 5 pit.asc" "z = 5 +1 +0 +[0-9.]+ +-[0-9.]+")
+expect_report("--help" "Usage: section")
+
+file(READ ${WORK}/hollow.svg picture)
+if(NOT picture MATCHES "^<svg .*</svg>\n$")
+    message(FATAL_ERROR "hollow.svg is no picture")
+endif()
+
+expect_refusal("missing.obj" "cannot read missing.obj")
+expect_refusal("wrong.obj" "wrong.obj, line 3: 'one' is not a number")
+expect_refusal("beyond.obj" "beyond.obj, line 2: there is no point 2")
+expect_refusal("points.obj" "no triangle")
+expect_refusal("short.asc" "short.asc, line 5: the grid ends after 5 of 6 heights")
+expect_refusal("--plane 0,0,1,-9 hollow.obj" "plane 1 misses the surface")
+expect_refusal("--plane 0,0,1 hollow.obj" "--plane takes 4 numbers")
+expect_refusal("--sideways hollow.obj" "there is no option --sideways")
+expect_refusal("--svg missing/picture.svg hollow.obj" "cannot write missing/picture.svg")

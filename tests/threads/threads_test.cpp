@@ -1,0 +1,79 @@
+// Distinct objects on distinct threads: the block service, the pools and the transform allocator
+// are all that the threads share. Run under the thread sanitizer as well.
+
+#include <norvek/border/border.h>
+#include <norvek/border/border_algorithms.h>
+#include <norvek/primitives/least_squares_plane.h>
+#include <norvek/transform/transform_matrix.h>
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <thread>
+#include <vector>
+
+namespace
+{
+
+struct Outcome
+{
+    MMPoint3d<double> moved;
+    double offset = 0.0;
+    std::uint32_t numContours = 0;
+    double length = 0.0;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+// A fixed job that touches transforms, fits and borders.
+Outcome DoJob(const MMTransformMatrix& shared)
+{
+    Outcome outcome;
+    for (int round = 1; round <= 40; ++round) {
+        const std::unique_ptr<MMTransform> clone(shared.Clone());
+        MMTransformMatrix turn;
+        turn.MakeRotationXYZ(round, 2.0 * round, 3.0 * round);
+        turn *= shared;
+        outcome.moved += turn(MMPoint3d<double>(1, 2, 3), false);
+        outcome.moved += (*clone)(MMPoint3d<double>(3, 2, 1), false);
+
+        MMLeastSquarePlane fit;
+        for (int i = 0; i < 100; ++i)
+            fit.AddPoint(i % 10, i / 10, round + 0.01 * (i % 3));
+        outcome.offset += fit.GetPlane().D();
+
+        M3dBorder<float, float> pieces;
+        for (int i = 0; i < 400; ++i) {
+            auto* const contour = pieces.AddContourAtEnd();
+            contour->SetIsClosed(false);
+            contour->InsertAtEnd(static_cast<float>(i), 0.0F, 0.0F);
+            contour->InsertAtEnd(static_cast<float>(i + 1), 0.0F, 0.0F);
+        }
+        M3dBorder<float, float> joined;
+        MergeBorder(joined, pieces);
+        TransformBorder(joined, shared);
+        outcome.numContours += joined.GetNumContours();
+        outcome.length += joined.CircumferenceXY();
+    }
+    return outcome;
+}
+
+TEST(Threads, DistinctObjectsWorkAtOnce)
+{
+    MMTransformMatrix shared;
+    shared.MakeRotation({1, 2, 3}, {0, 0, 1}, 0.5);
+    const Outcome alone = DoJob(shared);
+    EXPECT_EQ(alone.numContours, 40U);
+    std::array<Outcome, 8> outcomes;
+    std::vector<std::thread> threads;
+    threads.reserve(outcomes.size());
+    for (Outcome& outcome : outcomes)
+        threads.emplace_back([&outcome, &shared] { outcome = DoJob(shared); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const Outcome& outcome : outcomes)
+        EXPECT_EQ(outcome, alone);
+}
+
+} // namespace
