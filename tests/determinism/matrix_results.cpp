@@ -1,0 +1,116 @@
+#include "determinism/results.h"
+
+#include <norvek/linalg/general_matrix.h>
+#include <norvek/linalg/lu_matrix.h>
+#include <norvek/linalg/matrix3x3.h>
+#include <norvek/primitives/least_squares_plane.h>
+#include <norvek/primitives/sphere.h>
+
+#include <vector>
+
+namespace norvek_test
+{
+
+namespace
+{
+
+constexpr int kRounds = 2000;
+
+MGeneralMatrix RandomMatrix(Numbers& numbers, unsigned int rows, unsigned int columns)
+{
+    MGeneralMatrix matrix(rows, columns);
+    for (unsigned int i = 0; i < rows; ++i)
+        for (unsigned int j = 0; j < columns; ++j)
+            matrix(i, j) = numbers.Next(1.0);
+    return matrix;
+}
+
+void AddMatrix(Hash& hash, const MMatrix3x3& matrix)
+{
+    for (unsigned int i = 0; i < 3; ++i)
+        for (unsigned int j = 0; j < 3; ++j)
+            hash.Add(matrix.Value(i, j));
+}
+
+MMatrix3x3 RandomMatrix3x3(Numbers& numbers, bool isSymmetric)
+{
+    MMatrix3x3 matrix;
+    for (unsigned short row = 0; row < 3; ++row)
+        matrix.SetRow(row, numbers.Point(1.0));
+    for (unsigned int i = 0; isSymmetric && i < 3; ++i)
+        for (unsigned int j = 0; j < i; ++j)
+            matrix.Element(i, j) = matrix.Value(j, i);
+    return matrix;
+}
+
+} // namespace
+
+std::uint64_t HashGeneralMatrices(Numbers numbers)
+{
+    Hash hash;
+    for (unsigned int i = 0; i < kRounds / 20; ++i) {
+        const unsigned int n = 1 + i % 40;
+        MGeneralMatrix square = RandomMatrix(numbers, n, n);
+        std::vector<double> right(n + 20);
+        for (double& value : right)
+            value = numbers.Next(1.0);
+        std::vector<double> least(n);
+        MGeneralMatrix tall = RandomMatrix(numbers, n + 20, n);
+        hash.Add(tall.SolveLeastSquare(right.data(), least.data()));
+        for (const double value : least)
+            hash.Add(value);
+        hash.Add(RandomMatrix(numbers, 5, 5).Determinant(5));
+        MLUMatrix factors;
+        hash.Add(square.FactoriseLU(factors));
+        hash.Add(factors.SolveLUxy(right.data()));
+        for (unsigned int k = 0; k < n; ++k)
+            hash.Add(right[k]);
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashFixedMatrices(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds; ++i) {
+        const MMatrix3x3 symmetric = RandomMatrix3x3(numbers, true);
+        double values[3] = {};
+        hash.Add(symmetric.GetEigenValues(values));
+        MMPoint3d<double> vectors[3];
+        hash.Add(symmetric.GetEigenVectors(vectors, values));
+        for (int k = 0; k < 3; ++k) {
+            hash.Add(values[k]);
+            hash.Add(vectors[k]);
+        }
+        const MMatrix3x3 general = RandomMatrix3x3(numbers, false);
+        hash.Add(general.GetEigenValues(values));
+        hash.Add(values[1]);
+        MMatrix3x3 nearest;
+        hash.Add(general.NearestOrthonormal(nearest));
+        AddMatrix(hash, nearest);
+        AddMatrix(hash, general.Inverse());
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashFits(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds / 4; ++i) {
+        MMLeastSquarePlane fit;
+        for (int point = 0; point < 20; ++point)
+            fit.AddPoint(numbers.Next(9.0), numbers.Next(5.0), numbers.Next(0.5));
+        const MMPlaneEq<double> plane = fit.GetPlane();
+        hash.Add(plane.GetNormal());
+        hash.Add(plane.D());
+        fit.CalculateThroughOrigin();
+        hash.Add(fit.GetPlane().GetNormal());
+        MMSphere sphere;
+        hash.Add(sphere.Fit4Points(numbers.Point(5.0), numbers.Point(5.0), numbers.Point(5.0),
+                                   numbers.Point(5.0)));
+        hash.Add(sphere.GetRadius());
+    }
+    return hash.Value();
+}
+
+} // namespace norvek_test
