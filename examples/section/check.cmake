@@ -64,7 +64,7 @@ file(WRITE ${WORK}/pit.asc "ncols 4\nnrows 4\ncellsize 1\n9 9 9 9\n9 1 1 9\n9 1 
 expect_report("--plane 0,0,1,0.5 --point 1.5,0,7 --point 0,0,0 --point 2,0,0 hollow.obj"
     "closed, outer +[0-9]+ points +16.000000 +16.000000"
     "closed, inner +[0-9]+ points +8.000000 +-4.000000"
-    "1.5, 0, 7.\n +plane 1 +inside" "0, 0, 0.\n +plane 1 +outside" "2, 0, 0.\n +plane 1 +on a contour")
+    "1.5, 0, 7.\n +inside +plane 1" "0, 0, 0.\n +outside +plane 1" "2, 0, 0.\n +on a contour of +plane 1")
 expect_report("--plane 3,0,0,0 --svg hollow.svg hollow.obj" "closed, inner +[0-9]+ points +8.000000 +-4.000000")
 # Corners in the plane, and a slab that opens the rings.
 expect_report("--plane 0,0,1,-1 hollow.obj" "closed, outer +[0-9]+ points +16.000000 +16.000000")

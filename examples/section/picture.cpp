@@ -140,7 +140,7 @@ public:
     void Write(const Options& options, const std::optional<PlaneFit>& fit,
                const std::vector<Section>& sections)
     {
-        const double width = kMargin + kMapSize + kMargin + kLegendWidth;
+        const double width = LegendPlace() + kLegendWidth;
         const double height = std::max(_view.Height(), 470.0) + 2 * kMargin;
         _out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << Fixed(width, 0) << ' '
              << Fixed(height, 0)
@@ -157,6 +157,11 @@ public:
     }
 
 private:
+    [[nodiscard]] double LegendPlace() const
+    {
+        return kMargin + _view.Width() + kMargin;
+    }
+
     struct Face
     {
         Colour colour;
@@ -274,12 +279,14 @@ private:
     void WriteLegend(const Options& options, const std::optional<PlaneFit>& fit,
                      const std::vector<Section>& sections)
     {
-        const double x = kMargin + kMapSize + kMargin;
+        const double x = LegendPlace();
         double y = kMargin + 18.0;
         const std::string unit = options.unit.empty() ? "" : " " + options.unit;
         const std::string name = options.surface.substr(options.surface.rfind('/') + 1);
-        WriteText(x, y, "Sections of " + name, "font-size=\"17\" font-weight=\"bold\"");
-        y += 16.0;
+        WriteText(x, y, "Sections of", "font-size=\"15\"");
+        y += 22.0;
+        WriteText(x, y, name, "font-size=\"17\" font-weight=\"bold\"");
+        y += 12.0;
         const auto has = [&](SectionKind kind) {
             return std::any_of(sections.begin(), sections.end(),
                                [&](const Section& section) { return section.kind == kind; });

@@ -75,14 +75,21 @@ void WriteContours(std::ostream& out, const Section& section, int digits)
         out << "  and " << contours.size() - kMostContours << " shorter ones\n";
 }
 
+// The sections in three groups, by where the point lies in them.
 void WritePositions(std::ostream& out, const Options& options, const std::vector<Section>& sections)
 {
-    constexpr const char* words[] = {"on a contour", "inside", "outside"};
+    constexpr const char* words[] = {"on a contour of", "inside", "outside"};
     for (std::size_t i = 0; i < options.points.size(); ++i) {
         out << "\nPoint " << options.points[i] << '\n';
-        for (const Section& section : sections)
-            out << "  " << std::left << std::setw(18) << section.name << std::right
-                << words[static_cast<std::size_t>(section.positions[i])] << '\n';
+        for (char position = 0; position < 3; ++position) {
+            std::string names;
+            for (const Section& section : sections)
+                if (section.positions[i] == position)
+                    names += (names.empty() ? "" : ", ") + section.name;
+            if (!names.empty())
+                out << "  " << std::left << std::setw(16)
+                    << words[static_cast<std::size_t>(position)] << std::right << names << '\n';
+        }
     }
 }
 
