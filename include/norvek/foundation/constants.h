@@ -15,14 +15,17 @@
 class NORVEK_MATH_API CMathConst
 {
 public:
+    /// The small number of geometric comparisons.
     static constexpr double kEpsilon = 1e-15;
     /// Not the square root of `kEpsilon` (3.16e-8): meant, do not "correct".
     static constexpr double kSqrtEpsilon = 3e-08;
+    /// The ratio of a circle's circumference to its diameter.
     static constexpr double kPi = 3.141592653589793;
     /// The literal as published; its square is not pi to full precision.
     static constexpr double kSqrtPi = 1.77243850905516;
-    /// Interior fractions of a golden-section search: right = 1 - left.
+    /// The right interior fraction of a golden-section search.
     static constexpr double kGoldenSectionRight = 0.61803399;
+    /// The left interior fraction, 1 - right.
     static constexpr double kGoldenSectionLeft = 0.38196601;
 };
 

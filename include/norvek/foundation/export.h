@@ -6,6 +6,7 @@
 /// The shared library hides every symbol that does not carry `NORVEK_MATH_API`. A program that
 /// links the static library has `NORVEK_MATH_STATIC` defined for it by the CMake package.
 
+/// Marks what the shared library exports.
 #if defined(NORVEK_MATH_STATIC)
 #define NORVEK_MATH_API
 #elif defined(_WIN32) && defined(NORVEK_MATH_BUILDING)
