@@ -1,4 +1,5 @@
 #include "transform/matrix4.h"
+#include "transform/point_kernel.h"
 
 #include <norvek/transform/transform_exception.h>
 #include <norvek/transform/transform_matrix.h>
@@ -73,18 +74,27 @@ double MMTransformMatrix::InverseTransformZ(double x, double y, double z, bool i
     return RowTimesPoint(_inverse[2], x, y, z, isDirection);
 }
 
-bool MMTransformMatrix::_PlainPoints() const
-{
-    return typeid(*this) == typeid(MMTransformMatrix);
-}
-
+// The identity and the bottom row are asked for once instead of for every point. A class derived
+// from the matrix may answer otherwise from point to point, so it takes the general way.
 bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>>& out,
                                   const std::vector<MMPoint3d<double>>& in) const
 {
-    return MMTransform::Transform(out, in);
+    if (typeid(*this) != typeid(MMTransformMatrix) || _homogeneous)
+        return MMTransform::Transform(out, in);
+    if (_class == MMTransformMatrixClass::Identity) {
+        out = in;
+        return true;
+    }
+    out.resize(in.size());
+    TransformPoints(out.data(), in.data(), in.size(), _matrix);
+    return true;
 }
 
 bool MMTransformMatrix::Transform(std::vector<MMPoint3d<double>>& points) const
 {
-    return MMTransform::Transform(points);
+    if (typeid(*this) != typeid(MMTransformMatrix) || _homogeneous)
+        return MMTransform::Transform(points);
+    if (_class != MMTransformMatrixClass::Identity)
+        TransformPoints(points.data(), points.data(), points.size(), _matrix);
+    return true;
 }

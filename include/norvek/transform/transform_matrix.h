@@ -447,7 +447,6 @@ private:
     bool _Close();
     bool _LoadRows(const double (&rows)[12]);
     bool _RotateAbout(const MMPoint3d<double>& center);
-    bool _PlainPoints() const;
 };
 
 /// A copy of `a` times `b`: `b` applies first. The invertible flag is that of `a`.
