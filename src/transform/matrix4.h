@@ -27,7 +27,8 @@ inline void SetRow4(double (&row)[4], double e0, double e1, double e2, double e3
 
 /// product = a b, each element summed from the left. `product` must be neither operand. Runs along
 /// the rows, so that neighbouring elements are computed side by side.
-inline void MultiplyMatrix4(Matrix4& product, const Matrix4& a, const Matrix4& b)
+inline void MultiplyMatrix4(Matrix4& __restrict product, const Matrix4& __restrict a,
+                            const Matrix4& __restrict b)
 {
     for (int i = 0; i < 4; ++i) {
         for (int j = 0; j < 4; ++j) {

@@ -7,8 +7,6 @@
 
 using Norvek::Math::Core::CoordinateCast;
 
-MMTransform::~MMTransform() = default;
-
 // The one form behind all that convert. The input comes by value, so that the output may lie on it;
 // the result starts at zero and is written whatever the verdict, but not when the operation throws.
 template <MMTransform::_Operation operation, class T>

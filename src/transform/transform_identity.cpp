@@ -12,8 +12,6 @@ void WriteUnitMatrix(T* matrix)
 
 } // namespace
 
-MMTransformIdentity::~MMTransformIdentity() = default;
-
 MMTransformIdentity* MMTransformIdentity::Clone() const
 {
     return new MMTransformIdentity(*this);

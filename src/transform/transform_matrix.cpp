@@ -8,7 +8,10 @@
 
 using namespace Norvek::Math::Core;
 
-MMTransformMatrix::~MMTransformMatrix() = default;
+MMTransformMatrix::MMTransformMatrix()
+{
+    MakeIdentity();
+}
 
 MMTransformMatrix* MMTransformMatrix::Clone() const
 {

@@ -17,7 +17,11 @@ bool HasEmptyAxis(double a1, double a2, double a3, double a4, double a5, double 
 
 bool MMTransformMatrix::MakeIdentity()
 {
-    MMTransformMatrixData::operator=(MMTransformMatrixData());
+    CopyMatrix4(_matrix, kUnitMatrix4);
+    CopyMatrix4(_inverse, kUnitMatrix4);
+    _homogeneous = false;
+    _invertible = true;
+    _class = MMTransformMatrixClass::Identity;
     return true;
 }
 

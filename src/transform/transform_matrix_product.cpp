@@ -31,11 +31,18 @@ MMTransformMatrix& MMTransformMatrix::PreMultiply(const MMTransformMatrix& other
     return *this;
 }
 
+// The product in place, without copying an operand first.
+MMTransformMatrix::MMTransformMatrix(const MMTransformMatrix& a, const MMTransformMatrix& b)
+{
+    MultiplyMatrix4(_matrix, a._matrix, b._matrix);
+    MultiplyMatrix4(_inverse, b._inverse, a._inverse);
+    _invertible = a._invertible;
+    VerifyAndSetClass();
+}
+
 MMTransformMatrix operator*(const MMTransformMatrix& a, const MMTransformMatrix& b)
 {
-    MMTransformMatrix product(a);
-    product *= b;
-    return product;
+    return MMTransformMatrix(a, b);
 }
 
 // A full product, not an addition to the column: with a projective bottom row they differ.

@@ -31,7 +31,7 @@ struct M3DBoundingBox;
 class NORVEK_MATH_API MMTransform : public MMTransformAllocator
 {
 public:
-    virtual ~MMTransform();
+    virtual ~MMTransform() = default;
 
     /// A new transform of the same kind and state, owned by the caller.
     [[nodiscard]] virtual MMTransform* Clone() const = 0;

@@ -9,7 +9,7 @@ public:
     MMTransformIdentity() = default;
     MMTransformIdentity(const MMTransformIdentity&) = default;
     MMTransformIdentity& operator=(const MMTransformIdentity&) = default;
-    ~MMTransformIdentity() override;
+    ~MMTransformIdentity() override = default;
 
     /// A new identity, owned by the caller.
     [[nodiscard]] MMTransformIdentity* Clone() const override;

@@ -33,19 +33,20 @@ enum class MMTransformMatrixClass : std::int32_t
     Scale3D
 };
 
-/// The state of a matrix transform.
+/// The state of a matrix transform, set by the class below.
 struct MMTransformMatrixData
 {
-    /// Row-major; the translation is column 3, the projective row is row 3.
-    double _matrix[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    /// Row-major; the translation is column 3, the projective row is row 3. Aligned so that half a
+    /// row is one load of a vector register.
+    alignas(16) double _matrix[4][4];
     /// Same layout.
-    double _inverse[4][4] = {{1, 0, 0, 0}, {0, 1, 0, 0}, {0, 0, 1, 0}, {0, 0, 0, 1}};
+    alignas(16) double _inverse[4][4];
     /// The bottom row differs from (0, 0, 0, 1). While false the bottom row takes no part.
-    bool _homogeneous = false;
+    bool _homogeneous;
     /// The last computation of the inverse succeeded.
-    bool _invertible = true;
+    bool _invertible;
     /// The cached kind.
-    MMTransformMatrixClass _class = MMTransformMatrixClass::Identity;
+    MMTransformMatrixClass _class;
 };
 
 /// The 4x4 matrix transform: p' = M p with points as columns, the translation in the last column.
@@ -77,10 +78,10 @@ public:
     using MMTransform::Transform;
 
     /// The identity, invertible and not homogeneous.
-    MMTransformMatrix() = default;
+    MMTransformMatrix();
     MMTransformMatrix(const MMTransformMatrix&) = default;
     MMTransformMatrix& operator=(const MMTransformMatrix&) = default;
-    ~MMTransformMatrix() override;
+    ~MMTransformMatrix() override = default;
 
     /// A new matrix with the same matrix, inverse, flags and kind, owned by the caller.
     [[nodiscard]] MMTransformMatrix* Clone() const override;
@@ -444,6 +445,11 @@ protected:
                       const MMPoint3d<double>& point);
 
 private:
+    friend NORVEK_MATH_API MMTransformMatrix operator*(const MMTransformMatrix& a,
+                                                       const MMTransformMatrix& b);
+
+    MMTransformMatrix(const MMTransformMatrix& a, const MMTransformMatrix& b);
+
     bool _Close();
     bool _LoadRows(const double (&rows)[12]);
     bool _RotateAbout(const MMPoint3d<double>& center);
