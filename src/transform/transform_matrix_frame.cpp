@@ -15,8 +15,8 @@ namespace
 
 using Matrix3 = double[3][3];
 
-// A column of the 3x3 part is taken as dependent on those before it when its unit vector rises
-// above their span by less than this: ten machine epsilons.
+// A unit vector that rises above the span of others by no more than this lies in it: ten machine
+// epsilons. What is left of it then is mostly rounding error.
 constexpr double kRankLimit = kTenEpsilons;
 
 // Largest dot product of two unit columns that still passes for a rotation: what two matrices may
@@ -54,15 +54,16 @@ bool GetUnit(MMPoint3d<double>& unit, const MMPoint3d<double>& v, double limit)
     return true;
 }
 
-// The part of `v` perpendicular to the unit vector `u`, at unit length.
+// The part of the unit vector `v` perpendicular to the unit vector `u`, at unit length; false when
+// v lies along u.
 bool GetUnitPerpendicular(MMPoint3d<double>& unit, const MMPoint3d<double>& v,
-                          const MMPoint3d<double>& u, double limit)
+                          const MMPoint3d<double>& u)
 {
     MMPoint3d<double> rest;
-    if (!GetUnit(rest, v - u.Dot(v) * u, limit))
+    if (!GetUnit(rest, v - u.Dot(v) * u, kRankLimit))
         return false;
     // Once more: the rest of a vector close to u is not yet perpendicular to it.
-    return GetUnit(unit, rest - u.Dot(rest) * u, limit);
+    return GetUnit(unit, rest - u.Dot(rest) * u, kRankLimit);
 }
 
 // A unit vector perpendicular to `u`, from the coordinate axis that u is farthest from (the first
@@ -78,47 +79,42 @@ MMPoint3d<double> AnyPerpendicular(const MMPoint3d<double>& u)
     else if (z < x)
         axis = {0.0, 0.0, 1.0};
     MMPoint3d<double> unit;
-    GetUnitPerpendicular(unit, axis, u, 0.0);
+    GetUnitPerpendicular(unit, axis, u);
     return unit;
 }
 
-// The turn of the unit vector u onto the unit vector v: c 1 + [w]x + w w' / (1 + c) with w = u x v
-// and c = u . v. Exact to rounding up to a right angle and somewhat beyond.
-void TurnUpToRightAngle(Matrix3& r, const MMPoint3d<double>& u, const MMPoint3d<double>& v)
-{
-    const double c = u.Dot(v);
-    const MMPoint3d<double> w = u.Cross(v);
-    const double k = 1.0 / (1.0 + c);
-    SetRow3(r[0], w.x * w.x * k + c, w.x * w.y * k - w.z, w.x * w.z * k + w.y);
-    SetRow3(r[1], w.x * w.y * k + w.z, w.y * w.y * k + c, w.y * w.z * k - w.x);
-    SetRow3(r[2], w.x * w.z * k - w.y, w.y * w.z * k + w.x, w.z * w.z * k + c);
-}
-
-// The same beyond a right angle, in two turns through m, which lies at a right angle to u in the
-// plane of the turn. Near the half turn u x v is mostly rounding error; going through m the image
-// of u is v all the same.
-void TurnBeyondRightAngle(Matrix3& r, const MMPoint3d<double>& u, const MMPoint3d<double>& v,
-                          const MMPoint3d<double>& normal)
+// The axis about which u turns onto v: perpendicular to u, of unit length. Equal or opposite
+// directions have no plane; then `normal` and at last any perpendicular serves.
+MMPoint3d<double> TurnAxis(const MMPoint3d<double>& u, const MMPoint3d<double>& v,
+                           const MMPoint3d<double>& normal)
 {
     MMPoint3d<double> axis;
-    const MMPoint3d<double> w = u.Cross(v);
-    if (!GetUnit(axis, w, kPlaneLimit) || !GetUnitPerpendicular(axis, axis, u, kMachineEpsilon)) {
-        MMPoint3d<double> given;
-        if (!GetUnit(given, normal, kMachineEpsilon) ||
-            !GetUnitPerpendicular(axis, given, u, kMachineEpsilon))
-            axis = AnyPerpendicular(u);
-    }
-    const MMPoint3d<double> m = axis.Cross(u);
-    Matrix3 first;
-    Matrix3 second;
-    TurnUpToRightAngle(first, u, m);
-    TurnUpToRightAngle(second, m, v);
-    for (int i = 0; i < 3; ++i) {
-        for (int j = 0; j < 3; ++j) {
-            r[i][j] = second[i][0] * first[0][j] + second[i][1] * first[1][j] +
-                      second[i][2] * first[2][j];
-        }
-    }
+    if (GetUnit(axis, u.Cross(v), kPlaneLimit) && GetUnitPerpendicular(axis, axis, u))
+        return axis;
+    if (GetUnit(axis, normal, kMachineEpsilon) && GetUnitPerpendicular(axis, axis, u))
+        return axis;
+    return AnyPerpendicular(u);
+}
+
+// The turn of the unit vector u onto the unit vector v: the map of the frame (u, a x u, a) to the
+// frame (v, b x v, b), where b is the axis a freed of what rounding left of v in it. Both frames
+// are orthonormal to the last digits and the first of each is exactly u and v, so that the image of
+// u is v also where u x v is mostly rounding error. Rodrigues' formula with the sine and cosine of
+// the angle loses that near the half turn.
+void TurnInPlane(Matrix3& r, const MMPoint3d<double>& u, const MMPoint3d<double>& v,
+                 const MMPoint3d<double>& normal)
+{
+    const MMPoint3d<double> a = TurnAxis(u, v, normal);
+    MMPoint3d<double> b = a;
+    GetUnitPerpendicular(b, a, v);
+    const MMPoint3d<double> m = a.Cross(u);
+    const MMPoint3d<double> n = b.Cross(v);
+    SetRow3(r[0], v.x * u.x + n.x * m.x + b.x * a.x, v.x * u.y + n.x * m.y + b.x * a.y,
+            v.x * u.z + n.x * m.z + b.x * a.z);
+    SetRow3(r[1], v.y * u.x + n.y * m.x + b.y * a.x, v.y * u.y + n.y * m.y + b.y * a.y,
+            v.y * u.z + n.y * m.z + b.y * a.z);
+    SetRow3(r[2], v.z * u.x + n.z * m.x + b.z * a.x, v.z * u.y + n.z * m.y + b.z * a.y,
+            v.z * u.z + n.z * m.z + b.z * a.z);
 }
 
 // The columns of the 3x3 part at unit length; false when one is zero or not finite.
@@ -178,13 +174,10 @@ bool MMTransformMatrix::MakeRotationInPlane(MMPoint3d<double> from, MMPoint3d<do
 {
     if (!GetUnit(from, from, kMachineEpsilon) || !GetUnit(to, to, kMachineEpsilon))
         return false;
-    Matrix3 r;
     if (from == to)
         return MakeIdentity();
-    if (from.Dot(to) >= 0.0)
-        TurnUpToRightAngle(r, from, to);
-    else
-        TurnBeyondRightAngle(r, from, to, normal);
+    Matrix3 r;
+    TurnInPlane(r, from, to, normal);
     return _LoadRows({r[0][0], r[0][1], r[0][2], 0.0, //
                       r[1][0], r[1][1], r[1][2], 0.0, //
                       r[2][0], r[2][1], r[2][2], 0.0});
@@ -228,7 +221,7 @@ bool MMTransformMatrix::MakeOrthoNormal()
         return false;
     const MMPoint3d<double>& x = columns[0];
     MMPoint3d<double> y;
-    if (!GetUnitPerpendicular(y, columns[1], x, kRankLimit))
+    if (!GetUnitPerpendicular(y, columns[1], x))
         return false;
     MMPoint3d<double> z = x.Cross(y);
     const double height = z.Dot(columns[2]);
