@@ -81,14 +81,14 @@ void WritePositions(std::ostream& out, const Options& options, const std::vector
     constexpr const char* words[] = {"on a contour of", "inside", "outside"};
     for (std::size_t i = 0; i < options.points.size(); ++i) {
         out << "\nPoint " << options.points[i] << '\n';
-        for (char position = 0; position < 3; ++position) {
+        for (std::size_t position = 0; position < std::size(words); ++position) {
             std::string names;
             for (const Section& section : sections)
-                if (section.positions[i] == position)
+                if (static_cast<std::size_t>(section.positions[i]) == position)
                     names += (names.empty() ? "" : ", ") + section.name;
             if (!names.empty())
-                out << "  " << std::left << std::setw(16)
-                    << words[static_cast<std::size_t>(position)] << std::right << names << '\n';
+                out << "  " << std::left << std::setw(16) << words[position] << std::right << names
+                    << '\n';
         }
     }
 }

@@ -165,14 +165,15 @@ void ReadGrid(Lines& lines, Surface& surface)
             if (numbers.size() == count)
                 lines.Complain("there are more heights than ncols times nrows");
             const double z = lines.Number(word);
-            const auto row = static_cast<double>(numbers.size() / columns);
-            const auto column = static_cast<double>(numbers.size() % columns);
+            const std::size_t row = numbers.size() / columns;
+            const std::size_t column = numbers.size() % columns;
             const bool isHole = z == header.noData;
             numbers.push_back(isHole ? kNoPoint
                                      : static_cast<std::uint32_t>(surface.points.size()));
             if (!isHole)
-                surface.points.emplace_back(header.x + column * header.dx,
-                                            header.y + (header.rows - 1 - row) * header.dy, z);
+                surface.points.emplace_back(
+                    header.x + static_cast<double>(column) * header.dx,
+                    header.y + (header.rows - 1 - static_cast<double>(row)) * header.dy, z);
         }
         if (!lines.Next())
             break;

@@ -1,4 +1,5 @@
 #include "foundation/safe_length.h"
+#include "linalg/lane_pair.h"
 #include "linalg/symmetric_jacobi.h"
 
 #include <norvek/foundation/constants.h>
@@ -8,30 +9,47 @@
 #include <algorithm>
 #include <cmath>
 
-using Norvek::Math::Core::kMomentDeterminantLimit;
-using Norvek::Math::Core::kSqrtMachineEpsilon;
+using namespace Norvek::Math::Core;
 
 namespace
 {
 
-// Through the origin, a second smallest eigenvalue up to this share of the largest leaves only a
-// line: a width of a millionth of the length. Sums of a million rounded squares stay below it.
-constexpr double kLineShare = 1e-12;
+// Below this share of the largest eigenvalue the second smallest one is rounding: 2^-40, the square
+// of a millionth.
+constexpr double kNegligibleShare = 0x1p-40;
 
-// The index of the eigenvalue of smallest magnitude; a tie keeps the lower one.
-int Smallest(const double* values)
+MMatrix3x3 Symmetric(double xx, double yy, double zz, double xy, double xz, double yz)
 {
-    const int k = std::abs(values[0]) > std::abs(values[1]) ? 1 : 0;
-    return std::abs(values[k]) > std::abs(values[2]) ? 2 : k;
+    MMatrix3x3 matrix;
+    matrix.SetRow(0, {xx, xy, xz});
+    matrix.SetRow(1, {xy, yy, yz});
+    matrix.SetRow(2, {xz, yz, zz});
+    return matrix;
 }
 
-MMatrix3x3 SymmetricMatrix(double xx, double yy, double zz, double xy, double xz, double yz)
+struct Eigen3
 {
-    MMatrix3x3 result;
-    result.SetRow(0, {xx, xy, xz});
-    result.SetRow(1, {xy, yy, yz});
-    result.SetRow(2, {xz, yz, zz});
-    return result;
+    double values[3];
+    MMPoint3d<double> vectors[3];
+};
+
+// The verdicts of both steps are left aside: the vectors are written in any case, and callers rely
+// on a plane coming out.
+Eigen3 ClosedFormEigen(const MMatrix3x3& matrix)
+{
+    Eigen3 eigen{};
+    matrix.GetEigenValues(eigen.values);
+    matrix.GetEigenVectors(eigen.vectors, eigen.values);
+    return eigen;
+}
+
+// Ties keep the lower index.
+const MMPoint3d<double>& SmallestVector(const Eigen3& eigen)
+{
+    int k = std::abs(eigen.values[0]) > std::abs(eigen.values[1]) ? 1 : 0;
+    if (std::abs(eigen.values[k]) > std::abs(eigen.values[2]))
+        k = 2;
+    return eigen.vectors[k];
 }
 
 } // namespace
@@ -39,18 +57,15 @@ MMatrix3x3 SymmetricMatrix(double xx, double yy, double zz, double xy, double xz
 void MMLeastSquarePlane::Init()
 {
     _count = 0;
-    std::fill_n(_sums, 9, 0.0);
+    _sums = Sums();
     _calculated = false;
     _isLine = true;
 }
 
 void MMLeastSquarePlane::_SetNormal(const MMPoint3d<double>& normal)
 {
-    const MMPoint3d<double> unit = Norvek::Math::Core::SafeDirection(normal);
-    _plane[0] = unit.x;
-    _plane[1] = unit.y;
-    _plane[2] = unit.z;
     _isLine = false;
+    _normal = SafeDirection(normal);
 }
 
 void MMLeastSquarePlane::Calculate()
@@ -60,34 +75,48 @@ void MMLeastSquarePlane::Calculate()
         _isLine = true;
         return;
     }
-    const auto n = static_cast<double>(_count);
-    const double* const s = _sums;
-    const MMatrix3x3 scatter =
-        SymmetricMatrix(s[3] - s[0] * s[0] / n, s[4] - s[1] * s[1] / n, s[5] - s[2] * s[2] / n,
-                        s[6] - s[0] * s[1] / n, s[7] - s[0] * s[2] / n, s[8] - s[1] * s[2] / n);
-    // The verdicts of the solver do not matter: of a close pair of values one is as good as the
-    // other, and the normal belongs to the value that stands apart.
-    double values[3];
-    MMPoint3d<double> vectors[3];
-    scatter.GetEigenValues(values);
-    scatter.GetEigenVectors(vectors, values);
-
-    double sorted[3]{std::abs(values[0]), std::abs(values[1]), std::abs(values[2])};
-    std::sort(sorted, sorted + 3);
-    if (sorted[0] < kSqrtMachineEpsilon && sorted[1] < kSqrtMachineEpsilon) {
+    const double n = _count;
+    const Sums& s = _sums;
+    const Eigen3 eigen = ClosedFormEigen(Symmetric(s.xx - s.x * s.x / n, s.yy - s.y * s.y / n,
+                                                   s.zz - s.z * s.z / n, s.xy - s.x * s.y / n,
+                                                   s.xz - s.x * s.z / n, s.yz - s.y * s.z / n));
+    // The threshold is absolute on the scatter as it is, so that it depends on the unit of length.
+    const auto numSmall =
+        std::count_if(std::begin(eigen.values), std::end(eigen.values),
+                      [](double value) { return std::abs(value) < kSqrtMachineEpsilon; });
+    if (numSmall >= 2) {
         _isLine = true;
         return;
     }
-    _SetNormal(vectors[Smallest(values)]);
-    _plane[3] = -(_plane[0] * (s[0] / n) + _plane[1] * (s[1] / n) + _plane[2] * (s[2] / n));
+    _SetNormal(SmallestVector(eigen));
+    _d = -_normal.Dot(GetAveragePoint());
 }
 
+// Every sum adds the terms of the points in their order, as adding them one by one does; two sums
+// at a time share a processor lane pair.
 void MMLeastSquarePlane::Calculate(const std::vector<MMPoint3d<double>>& points)
 {
     Init();
     _deviationValid = false;
-    for (const MMPoint3d<double>& p : points)
-        AddPoint(p.x, p.y, p.z);
+    LanePair sumXY = BothLanes(0.0);
+    LanePair sumXXYY = BothLanes(0.0);
+    LanePair sumXZYZ = BothLanes(0.0);
+    LanePair sumXYZZ = BothLanes(0.0);
+    double sumZ = 0.0;
+    for (const MMPoint3d<double>& point : points) {
+        const LanePair xy{point.x, point.y};
+        const LanePair yz{point.y, point.z};
+        const LanePair xz{point.x, point.z};
+        sumXY += xy;
+        sumXXYY += xy * xy;
+        sumXZYZ += xy * BothLanes(point.z);
+        sumXYZZ += xz * yz;
+        sumZ += point.z;
+    }
+    _sums = {sumXY[0],   sumXY[1],   sumZ,       sumXXYY[0], sumXXYY[1],
+             sumXYZZ[1], sumXYZZ[0], sumXZYZ[0], sumXZYZ[1]};
+    _count = static_cast<std::uint32_t>(
+        std::min<std::size_t>(points.size(), std::numeric_limits<std::uint32_t>::max()));
     Calculate();
 }
 
@@ -98,36 +127,23 @@ void MMLeastSquarePlane::CalculateThroughOrigin()
         _isLine = true;
         return;
     }
-    const double xx = _sums[3];
-    const double yy = _sums[4];
-    const double zz = _sums[5];
-    const double xy = _sums[6];
-    const double xz = _sums[7];
-    const double yz = _sums[8];
-    const MMatrix3x3 moments = SymmetricMatrix(xx, yy, zz, xy, xz, yz);
-    const double determinant =
-        2.0 * xy * yz * xz + xx * yy * zz - xz * xz * yy - xy * xy * zz - xx * yz * yz;
+    const Sums& s = _sums;
+    const MMatrix3x3 moments = Symmetric(s.xx, s.yy, s.zz, s.xy, s.xz, s.yz);
+    const double determinant = 2.0 * s.xy * s.yz * s.xz + s.xx * s.yy * s.zz - s.xz * s.xz * s.yy -
+                               s.xy * s.xy * s.zz - s.xx * s.yz * s.yz;
     if (determinant > kMomentDeterminantLimit) {
-        double values[3];
-        MMPoint3d<double> vectors[3];
-        moments.GetEigenValues(values);
-        moments.GetEigenVectors(vectors, values);
-        _SetNormal(vectors[Smallest(values)]);
-        _plane[3] = 0.0;
+        _SetNormal(SmallestVector(ClosedFormEigen(moments)));
+        _d = 0.0;
         return;
     }
-    // Points exactly in a plane through the origin come here, and so does any small object, since
-    // the limit is absolute. Only a line is refused, and that by a share, not by a size.
-    const auto eigen = Norvek::Math::Core::SolveSymmetric(moments);
-    double sorted[3]{std::abs(eigen.values[0]), std::abs(eigen.values[1]),
-                     std::abs(eigen.values[2])};
-    std::sort(sorted, sorted + 3);
-    if (!(sorted[1] > kLineShare * sorted[2])) {
-        _isLine = true;
-        return;
+    // Points exactly in a plane and any small object end here, where the closed form has few digits
+    // left; the rotations have all of them. The values descend.
+    const SymmetricEigen eigen = SolveSymmetric(moments);
+    _isLine = !(eigen.values[1] > kNegligibleShare * eigen.values[0]);
+    if (!_isLine) {
+        _SetNormal(eigen.vectors[2]);
+        _d = 0.0;
     }
-    _SetNormal(eigen.vectors[static_cast<std::size_t>(Smallest(eigen.values.data()))]);
-    _plane[3] = 0.0;
 }
 
 void MMLeastSquarePlane::CalculateWeighted(
@@ -136,67 +152,56 @@ void MMLeastSquarePlane::CalculateWeighted(
     Init();
     _deviationValid = false;
     _calculated = true;
-    _count = static_cast<std::uint32_t>(points.size());
     double total = 0.0;
     MMPoint3d<double> centroid;
-    for (const auto& [p, weight] : points) {
+    for (const auto& [point, weight] : points) {
         total += weight;
-        centroid += weight * p;
+        centroid += weight * point;
     }
-    if (points.size() < 3 || total == 0.0)
+    if (total == 0.0)
         return;
     centroid /= total;
-    for (const auto& [p, weight] : points) {
-        const MMPoint3d<double> q = p - centroid;
-        _sums[3] += weight * (q.x * q.x);
-        _sums[4] += weight * (q.y * q.y);
-        _sums[5] += weight * (q.z * q.z);
-        _sums[6] += weight * (q.x * q.y);
-        _sums[7] += weight * (q.x * q.z);
-        _sums[8] += weight * (q.y * q.z);
+    Sums moments;
+    for (const auto& [point, weight] : points) {
+        const MMPoint3d<double> p = point - centroid;
+        moments.xx += weight * p.x * p.x;
+        moments.yy += weight * p.y * p.y;
+        moments.zz += weight * p.z * p.z;
+        moments.xy += weight * p.x * p.y;
+        moments.xz += weight * p.x * p.z;
+        moments.yz += weight * p.y * p.z;
     }
-    // The first moments about the centroid vanish; these make the average point the centroid.
-    const auto n = static_cast<double>(_count);
-    _sums[0] = centroid.x * n;
-    _sums[1] = centroid.y * n;
-    _sums[2] = centroid.z * n;
+    _count = static_cast<std::uint32_t>(
+        std::min<std::size_t>(points.size(), std::numeric_limits<std::uint32_t>::max()));
+    _sums = moments;
     CalculateThroughOrigin();
-    if (!_isLine) {
-        _plane[3] = -(_plane[0] * centroid.x + _plane[1] * centroid.y + _plane[2] * centroid.z);
-    }
-}
+    if (!_isLine)
+        _d = -_normal.Dot(centroid);
 
-void MMLeastSquarePlane::_InitDeviation()
-{
-    _deviationValid = false;
-    _deviationSum = 0.0;
-    _maximumDeviation = 0.0;
-}
-
-void MMLeastSquarePlane::_UpdateDeviation(const MMPoint3d<double>& point)
-{
-    const double distance =
-        _plane[0] * point.x + _plane[1] * point.y + _plane[2] * point.z + _plane[3];
-    _deviationSum += distance * distance;
-    _maximumDeviation = std::max(_maximumDeviation, std::abs(distance));
-}
-
-void MMLeastSquarePlane::_UpdateDeviation(unsigned int n)
-{
-    _deviationSum = std::sqrt(_deviationSum / n);
-    _deviationValid = true;
+    const double n = _count;
+    const double share = n / total;
+    const MMPoint3d<double>& c = centroid;
+    _sums = {n * c.x,
+             n * c.y,
+             n * c.z,
+             moments.xx * share + n * c.x * c.x,
+             moments.yy * share + n * c.y * c.y,
+             moments.zz * share + n * c.z * c.z,
+             moments.xy * share + n * c.x * c.y,
+             moments.xz * share + n * c.x * c.z,
+             moments.yz * share + n * c.y * c.z};
 }
 
 MMPlaneEq<double> MMLeastSquarePlane::GetPlane()
 {
     if (!_calculated)
         Calculate();
-    // Written coefficient by coefficient: the constructor would normalise once more.
+    // Written one by one: the constructor would normalise the unit normal once more.
     MMPlaneEq<double> plane;
-    plane.A() = _plane[0];
-    plane.B() = _plane[1];
-    plane.C() = _plane[2];
-    plane.D() = _plane[3];
+    plane.A() = _normal.x;
+    plane.B() = _normal.y;
+    plane.C() = _normal.z;
+    plane.D() = _d;
     return plane;
 }
 
@@ -204,6 +209,25 @@ MMPoint3d<double> MMLeastSquarePlane::GetAveragePoint() const
 {
     if (_count == 0)
         return {};
-    const auto n = static_cast<double>(_count);
-    return {_sums[0] / n, _sums[1] / n, _sums[2] / n};
+    return MMPoint3d<double>(_sums.x, _sums.y, _sums.z) / static_cast<double>(_count);
+}
+
+void MMLeastSquarePlane::_InitDeviation()
+{
+    _deviationValid = false;
+    _deviationSum = 0.0;
+    _maxDeviation = 0.0;
+}
+
+void MMLeastSquarePlane::_UpdateDeviation(const MMPoint3d<double>& point)
+{
+    const double distance = _normal.Dot(point) + _d;
+    _deviationSum += distance * distance;
+    _maxDeviation = std::max(_maxDeviation, std::abs(distance));
+}
+
+void MMLeastSquarePlane::_UpdateDeviation(unsigned int n)
+{
+    _deviationSum = std::sqrt(_deviationSum / n);
+    _deviationValid = true;
 }

@@ -5,127 +5,146 @@
 #include <norvek/primitives/plane_equation.h>
 
 #include <cstdint>
+#include <limits>
 #include <utility>
 #include <vector>
 
-/// Fits a plane to a stream of points by orthogonal least squares.
+/// The plane n · p + d = 0 of least squared distances to a stream of points.
 ///
-/// Points are not stored: the object holds their count and nine running sums (first and second
-/// moments), so that points may be added one at a time and the plane asked for at any moment. The
-/// normal is the eigenvector of the scatter matrix with the smallest magnitude of the eigenvalue.
+/// The points are not kept: a count and nine running sums (Σx .. Σyz) are, so that points may be
+/// added at any time and the plane computed anew. The normal is the eigenvector of the scatter
+/// matrix about the centroid that belongs to the eigenvalue of smallest magnitude.
 ///
-/// Failure is not reported by results: `GetIsLine` tells that the points define no plane, and the
-/// plane then keeps its previous coefficients, at first all 0. Points on a line have two
-/// negligible eigenvalues; in `Calculate` that test is absolute (1.5e-8 on the scatter, a squared
-/// length times a count), so that a small object counts as a line: scale the points up first.
+/// The sums are plain sums of the coordinates as they come. The scatter is their difference and
+/// loses about twice as many digits as the centroid's distance from the origin has over the size of
+/// the object: 1e5 object sizes away from the origin leave six digits. Subtract a point near the
+/// object first, as the section example does.
 ///
-/// The sums are taken about the origin. Points far from it, compared with their extent, lose twice
-/// the digits of that ratio: move them near the origin first. Coordinates that are not finite give
-/// a NaN plane or `GetIsLine`.
+/// A fresh object is a line (`GetIsLine`) with the plane (0, 0, 0, 0). Where the points define no
+/// plane the old plane stays. The sign of the normal is that of the eigenvector: any.
+///
+/// Deviations are gathered in a pass of their own, after the plane is known:
+/// `_InitDeviation()`, `_UpdateDeviation(point)` for each point, `_UpdateDeviation(count)` at last.
 class NORVEK_MATH_API MMLeastSquarePlane
 {
 public:
-    /// No points; `GetIsLine` is true.
+    /// Zero points.
     MMLeastSquarePlane() = default;
 
-    /// Forgets the points: count and sums 0, `GetIsLine` true. The plane and the deviations stay as
-    /// they are.
+    /// Forgets all points. The plane and the deviations stay.
     void Init();
 
-    /// Adds one point. The plane is computed anew when it is next asked for.
+    /// Adds a point. The count stays at 2^32 - 1 once it is there.
     void AddPoint(double x, double y, double z)
     {
-        ++_count;
-        _sums[0] += x;
-        _sums[1] += y;
-        _sums[2] += z;
-        _sums[3] += x * x;
-        _sums[4] += y * y;
-        _sums[5] += z * z;
-        _sums[6] += x * y;
-        _sums[7] += x * z;
-        _sums[8] += y * z;
+        _count += _count != std::numeric_limits<std::uint32_t>::max() ? 1U : 0U;
+        _sums.x += x;
+        _sums.y += y;
+        _sums.z += z;
+        _sums.xx += x * x;
+        _sums.yy += y * y;
+        _sums.zz += z * z;
+        _sums.xy += x * y;
+        _sums.xz += x * z;
+        _sums.yz += y * z;
         _calculated = false;
     }
 
-    /// Computes the plane from the points so far.
+    /// Computes the plane of the points added so far. Fewer than three points, or points whose two
+    /// smallest eigenvalues are both below 1.49e-8, are a line: that threshold is absolute, in
+    /// squared units of length times points.
     void Calculate();
 
-    /// Forgets the points so far, adds these and computes the plane. The bits are those of
-    /// `AddPoint` called in order.
+    /// Forgets all points, adds these and computes their plane; the deviations are no longer valid.
     void Calculate(const std::vector<MMPoint3d<double>>& points);
 
-    /// Computes the best plane through the origin from the points so far; d is 0 then.
+    /// Computes the best plane through the origin, d = 0, from the sums about the origin.
     ///
-    /// Here `GetIsLine` means that all directions from the origin are one: fewer than three points,
-    /// or a second smallest eigenvalue of at most 1e-12 of the largest. A flat or a small set gets
-    /// its plane.
+    /// Also for points that lie exactly in such a plane, and for objects of any size. A line only
+    /// when there are fewer than three points or when the second smallest eigenvalue is not above
+    /// 2^-40 of the largest, that is, when all points lie on a line through the origin to about one
+    /// part in a million.
     void CalculateThroughOrigin();
 
-    /// Fits the plane to points (first) with weights (second); it passes through their weighted
-    /// centroid.
+    /// Forgets all points and computes the plane of weighted points (second member: the weight):
+    /// the best plane through the weighted centroid, from the moments about it, each times its
+    /// weight.
     ///
-    /// Replaces the points so far: afterwards `GetNumPoints` is the number of pairs and
-    /// `GetAveragePoint` the weighted centroid. The sums then are weighted moments: call `Init`
-    /// before further points are added. Fewer than three pairs or a total weight of 0 give
-    /// `GetIsLine`. A weight of 0 leaves its point out.
+    /// The sums are then those of as many unweighted points with the same centroid and the same
+    /// scatter, so that the readers and further points go on from there. Fewer than three points, a
+    /// total weight of zero, and points on a line (as in `CalculateThroughOrigin`) are a line.
     void CalculateWeighted(const std::vector<std::pair<MMPoint3d<double>, double>>& points);
 
-    /// @name Deviations
-    /// A second pass over the points, once the plane is known: `_InitDeviation`, one
-    /// `_UpdateDeviation` a point, then `_UpdateDeviation` with their number.
-    /// @{
-    /// Starts a pass.
-    void _InitDeviation();
+    /// The plane, computed first when points were added since. Its coefficients are those computed,
+    /// not normalised once more.
+    [[nodiscard]] MMPlaneEq<double> GetPlane();
 
-    /// Takes the distance of one point from the plane into account.
-    void _UpdateDeviation(const MMPoint3d<double>& point);
-
-    /// Ends the pass over n points: the sum of squares becomes the root of their mean.
-    void _UpdateDeviation(unsigned int n);
-    /// @}
-
-    /// The plane, computed first when points were added since. The coefficients are those of the
-    /// fit, unit normal and offset; which way the normal points is not defined.
-    MMPlaneEq<double> GetPlane();
-
-    /// The mean of the points; the origin when there are none.
+    /// The centroid of the points; (0, 0, 0) for no points.
     [[nodiscard]] MMPoint3d<double> GetAveragePoint() const;
 
-    /// True when the points do not define a plane: fewer than three, or on a line.
+    /// True when the points define no plane, as the last computation found; true at first.
     [[nodiscard]] bool GetIsLine() const
     {
         return _isLine;
     }
 
-    /// The number of points added, modulo 2^32.
+    /// The number of points added.
     [[nodiscard]] std::uint32_t GetNumPoints() const
     {
         return _count;
     }
 
-    /// The greatest distance of a point from the plane in the deviation pass.
+    /// The largest distance from the plane over the points of the deviation pass.
     [[nodiscard]] double GetMaxDeviation() const
     {
-        return _maximumDeviation;
+        return _maxDeviation;
     }
 
-    /// The root mean square distance, after the pass has ended; the sum of squares before that.
+    /// The root of the mean squared distance, once the deviation pass is finished; the sum of the
+    /// squared distances while it runs.
     [[nodiscard]] double GetStandardDeviation() const
     {
         return _deviationSum;
     }
 
+    /// True from the end of a deviation pass until the next begins or points are replaced.
+    [[nodiscard]] bool GetIsDeviationValid() const
+    {
+        return _deviationValid;
+    }
+
+    /// Begins a deviation pass.
+    void _InitDeviation();
+
+    /// Takes one point into the deviations. The plane must have been computed.
+    void _UpdateDeviation(const MMPoint3d<double>& point);
+
+    /// Ends a deviation pass over `n` points. With `n` = 0 the standard deviation is not a number.
+    void _UpdateDeviation(unsigned int n);
+
 private:
+    struct Sums
+    {
+        double x = 0;
+        double y = 0;
+        double z = 0;
+        double xx = 0;
+        double yy = 0;
+        double zz = 0;
+        double xy = 0;
+        double xz = 0;
+        double yz = 0;
+    };
+
     void _SetNormal(const MMPoint3d<double>& normal);
 
-    double _plane[4]{};
+    MMPoint3d<double> _normal;
+    double _d = 0;
     bool _calculated = false;
     bool _deviationValid = false;
     bool _isLine = true;
     std::uint32_t _count = 0;
-    // x, y, z, xx, yy, zz, xy, xz, yz.
-    double _sums[9]{};
-    double _deviationSum = 0.0;
-    double _maximumDeviation = 0.0;
+    Sums _sums;
+    double _deviationSum = 0;
+    double _maxDeviation = 0;
 };

@@ -5,72 +5,43 @@
 
 #include <vector>
 
-/// A sphere, centre and radius.
+/// A sphere: centre and radius.
 ///
-/// `==` compares centre and radius exactly (a NaN makes them unequal), while `<` and its like
-/// compare the radii alone: neither of two spheres need be less, without their being equal. The
-/// order suits sorting by size and nothing else.
+/// Spheres are equal when centre and radius are exactly equal (NaN makes them unequal), and are
+/// ordered by their radii alone: two spheres may be neither less nor greater and yet unequal.
 ///
-/// Every fit returns false, and leaves the sphere as it was, when there is no answer.
+/// All fits return false and leave the sphere unchanged when they find none.
 class NORVEK_MATH_API MMSphere
 {
 public:
-    /// Centre at the origin, radius 0.
+    /// The point sphere at the origin.
     MMSphere() = default;
 
-    /// The sphere around `centre`.
-    MMSphere(const MMPoint3d<double>& centre, double radius) : _centre(centre), _radius(radius)
-    {}
-
+    /// Copies centre and radius.
     MMSphere(const MMSphere&) = default;
-    MMSphere& operator=(const MMSphere&) = default;
-    virtual ~MMSphere() = default;
 
-    /// Moves the centre.
-    void SetCentre(const MMPoint3d<double>& centre)
+    /// Copies centre and radius.
+    MMSphere& operator=(const MMSphere&) = default;
+
+    /// Releases nothing.
+    virtual ~MMSphere();
+
+    /// Sets the centre.
+    void SetCenter(const MMPoint3d<double>& center)
     {
-        _centre = centre;
+        _center = center;
     }
 
-    /// Sets the radius; it is not checked.
+    /// Sets the radius, as it is.
     void SetRadius(double radius)
     {
         _radius = radius;
     }
 
-    /// The sphere through four points, by determinants.
-    ///
-    /// False when the determinant of the tetrahedron (six times its volume) is below 2^-11.5 in
-    /// magnitude, so for nearly coplanar points and for any small tetrahedron, or when the squared
-    /// radius is below 2^-11.5. Both limits are absolute.
-    bool Fit4Points(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2,
-                    const MMPoint3d<double>& p3, const MMPoint3d<double>& p4);
-
-    /// The smallest sphere through three points: their circle is a great circle. False for
-    /// collinear or coincident points.
-    bool Fit(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2, const MMPoint3d<double>& p3);
-
-    /// The same for an array of three.
-    bool Fit(const MMPoint3d<double>* points);
-
-    /// The same as `Fit4Points`.
-    bool Compute(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2,
-                 const MMPoint3d<double>& p3, const MMPoint3d<double>& p4);
-
-    /// A sphere that holds all points, found by starting with `start` as its centre and shrinking.
-    ///
-    /// Every point is at most the radius away from the centre, as computed by `Length`. The radius
-    /// is that of the smallest sphere but for rounding, and never above that of the sphere around
-    /// `start`. False for no points and for non-finite ones. Cost: some ten passes over the points.
-    bool Compute(const std::vector<MMPoint3d<double>>& points, const MMPoint3d<double>& start);
-
-    /// The same, started from the centroid of the points.
-    bool CapturePoints(const std::vector<MMPoint3d<double>>& points);
-
     /// The centre.
-    [[nodiscard]] const MMPoint3d<double>& GetCentre() const
+    [[nodiscard]] const MMPoint3d<double>& GetCenter() const
     {
-        return _centre;
+        return _center;
     }
 
     /// The radius.
@@ -79,39 +50,73 @@ public:
         return _radius;
     }
 
-    /// Exact equality of centre and radius.
+    /// Exactly equal centre and radius.
     bool operator==(const MMSphere& other) const
     {
-        return _centre == other._centre && _radius == other._radius;
+        return _center == other._center && _radius == other._radius;
     }
 
-    /// The negation of `==`.
+    /// Not `==`.
     bool operator!=(const MMSphere& other) const
     {
         return !(*this == other);
     }
 
-    /// @name Comparisons of the radii
-    /// @{
+    /// A smaller radius.
     bool operator<(const MMSphere& other) const
     {
         return _radius < other._radius;
     }
+
+    /// A smaller or equal radius.
     bool operator<=(const MMSphere& other) const
     {
         return _radius <= other._radius;
     }
+
+    /// A larger radius.
     bool operator>(const MMSphere& other) const
     {
         return _radius > other._radius;
     }
+
+    /// A larger or equal radius.
     bool operator>=(const MMSphere& other) const
     {
         return _radius >= other._radius;
     }
-    /// @}
+
+    /// The sphere through four points, by determinants. False when the determinant of the points'
+    /// coordinates (six times the volume of their tetrahedron) or the squared radius is below
+    /// 2^-11.5: these limits are absolute, so that a small object must be scaled up first.
+    bool Fit4Points(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2,
+                    const MMPoint3d<double>& p3, const MMPoint3d<double>& p4);
+
+    /// The same as `Fit4Points`.
+    bool Compute(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2,
+                 const MMPoint3d<double>& p3, const MMPoint3d<double>& p4);
+
+    /// The sphere about `center` that reaches the farthest of the points. False without points, and
+    /// for coordinates that are not finite.
+    bool Compute(const std::vector<MMPoint3d<double>>& points, const MMPoint3d<double>& center);
+
+    /// The smallest sphere through three points, whose great circle is the circle through them.
+    /// False when they lie on a line, to one part in 2^40 of their distances, or are not finite.
+    bool Fit(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2, const MMPoint3d<double>& p3);
+
+    /// The same for an array of three points.
+    bool Fit(const MMPoint3d<double> points[3]);
+
+    /// The smallest sphere that holds all points, to rounding; each point's computed distance from
+    /// the centre is at most the radius. False without points, and for coordinates that are not
+    /// finite.
+    ///
+    /// Starts from the centroid and exchanges a support of at most four points for one with a
+    /// larger sphere until no point lies outside (an LP-type problem; E. Welzl, "Smallest enclosing
+    /// disks", 1991). A few passes over the points; linear in their number.
+    bool CapturePoints(const std::vector<MMPoint3d<double>>& points);
 
 private:
-    MMPoint3d<double> _centre;
+    MMPoint3d<double> _center;
     double _radius = 0.0;
 };
