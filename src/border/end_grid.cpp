@@ -71,11 +71,11 @@ EndGrid::EndGrid(std::size_t capacity)
 
 void EndGrid::Insert(Side side, std::uint32_t number, const ContourEnd& end)
 {
-    if (!IsFinite(end))
-        return;
     const auto which = static_cast<std::size_t>(side);
     Entry& entry = _entries[number][which];
     entry.end = end;
+    if (!IsFinite(end))
+        return;
     entry.bucket = _BucketOf(CellOf(end.x), CellOf(end.y), CellOf(end.z));
     List& list = _buckets[entry.bucket][which];
     // Numbers arrive in rising order, or below all others of their crowd.

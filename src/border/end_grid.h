@@ -51,11 +51,18 @@ public:
     /// later.
     explicit EndGrid(std::size_t capacity);
 
-    /// Enters an absent end of a contour. An end that meets nothing, not even itself, stays out.
+    /// Enters an absent end of a contour. One that meets nothing, not even itself, is only kept for
+    /// `At`.
     void Insert(Side side, std::uint32_t number, const ContourEnd& end);
 
     /// Takes an end of a contour out, if it is there.
     void Remove(Side side, std::uint32_t number);
+
+    /// The end that was entered last for a contour.
+    [[nodiscard]] const ContourEnd& At(Side side, std::uint32_t number) const
+    {
+        return _entries[number][static_cast<std::size_t>(side)].end;
+    }
 
     /// The smallest number, `excluded` left out, of a contour with that end meeting `end`; `kNone`
     /// without any.

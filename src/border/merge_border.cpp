@@ -41,26 +41,47 @@ public:
             _Number(contour);
     }
 
-    // Takes one contour of the source in.
+    // Takes one contour of the source in. Both searches come before the first change: they need the
+    // places of the ends only, which the grid has at hand.
     void Take(std::unique_ptr<Contour> piece)
     {
         if (!_CanJoin(*piece)) {
             _Append(std::move(piece));
             return;
         }
-        // From the end join on the target contour carries the points of the piece.
-        const std::uint32_t back = _JoinAtBack(*piece);
+        const ContourEnd first = FirstEnd(*piece);
+        const ContourEnd last = LastEnd(*piece);
+        const std::uint32_t back = _FindFirst(Side::Back, first, last, EndGrid::kNone);
         if (back == EndGrid::kNone) {
-            if (!_JoinInFront(*piece, EndGrid::kNone))
+            const std::uint32_t front = _FindFirst(Side::Front, first, last, EndGrid::kNone);
+            if (front == EndGrid::kNone)
                 _Append(std::move(piece));
+            else
+                _JoinInFront(front, *piece, !DoEndsMeet(last, _ends.At(Side::Front, front)));
             return;
         }
+        // From the end join on the target contour carries the points of the piece.
+        const ContourEnd carrierFirst = _ends.At(Side::Front, back);
+        const ContourEnd matched = _ends.At(Side::Back, back);
+        const bool isReversed = !DoEndsMeet(first, matched);
+        ContourEnd carrierLast = isReversed ? first : last;
+        if (piece->GetNumPoints() == 1)
+            carrierLast = matched;
+        const std::uint32_t front = _FindFirst(Side::Front, carrierFirst, carrierLast, back);
         Contour& carrier = *_contours[back];
-        if (_JoinInFront(carrier, back)) {
+        _JoinAtBack(carrier, *piece, isReversed);
+        _ends.Remove(Side::Back, back);
+        if (back < front && DoEndsMeet(carrierLast, carrierFirst)) {
+            // Meeting itself before any other: the carrier is closed and joins no more.
+            carrier.RemovePoint(carrier.GetFirstPoint());
+            carrier.SetIsClosed(true);
             _ends.Remove(Side::Front, back);
+        } else if (front != EndGrid::kNone) {
+            _ends.Remove(Side::Front, back);
+            _JoinInFront(front, carrier, !DoEndsMeet(carrierLast, _ends.At(Side::Front, front)));
             _target.RemoveContour(&carrier);
-        } else if (!carrier.GetIsClosed()) {
-            _ends.Insert(Side::Back, back, LastEnd(carrier));
+        } else {
+            _ends.Insert(Side::Back, back, carrierLast);
         }
     }
 
@@ -85,44 +106,28 @@ private:
         _Number(*_target.AddContourAtEnd(piece.release()));
     }
 
-    // Appends the piece to the first contour whose last point it meets and gives that contour's
-    // number; its back end is then out of the grid. Of the two matched points the target's stays.
-    std::uint32_t _JoinAtBack(Contour& piece)
+    // The first contour of the list, `excluded` left out, whose end on that side meets a or b.
+    [[nodiscard]] std::uint32_t _FindFirst(Side side, const ContourEnd& a, const ContourEnd& b,
+                                           std::uint32_t excluded) const
     {
-        const std::uint32_t number =
-            std::min(_ends.FindFirst(Side::Back, FirstEnd(piece), EndGrid::kNone),
-                     _ends.FindFirst(Side::Back, LastEnd(piece), EndGrid::kNone));
-        if (number == EndGrid::kNone)
-            return number;
-        Contour& contour = *_contours[number];
-        if (!DoEndsMeet(FirstEnd(piece), LastEnd(contour)))
+        return std::min(_ends.FindFirst(side, a, excluded), _ends.FindFirst(side, b, excluded));
+    }
+
+    // Of the two matched points that of the contour stays.
+    static void _JoinAtBack(Contour& contour, Contour& piece, bool isReversed)
+    {
+        if (isReversed)
             piece.Invert();
         piece.RemovePoint(piece.GetFirstPoint());
         contour.InsertAtEnd(piece);
-        _ends.Remove(Side::Back, number);
-        return number;
     }
 
-    // Puts the points of the carrier in front of the first contour whose first point it meets; of
-    // the two matched points the carrier's stays. `own` is the carrier's number, if it is in the
-    // target: meeting itself closes it, which is no join.
-    bool _JoinInFront(Contour& carrier, std::uint32_t own)
+    // Of the two matched points that of the carrier stays.
+    void _JoinInFront(std::uint32_t number, Contour& carrier, bool isReversed)
     {
-        const ContourEnd first = FirstEnd(carrier);
-        const ContourEnd last = LastEnd(carrier);
-        const std::uint32_t number = std::min(_ends.FindFirst(Side::Front, last, own),
-                                              _ends.FindFirst(Side::Front, first, own));
-        if (own < number && DoEndsMeet(last, first)) {
-            carrier.RemovePoint(carrier.GetFirstPoint());
-            carrier.SetIsClosed(true);
-            _ends.Remove(Side::Front, own);
-            return false;
-        }
-        if (number == EndGrid::kNone)
-            return false;
-        Contour& contour = *_contours[number];
-        if (!DoEndsMeet(last, FirstEnd(contour)))
+        if (isReversed)
             carrier.Invert();
+        Contour& contour = *_contours[number];
         const bool hasOwnBack = contour.GetNumPoints() > 1;
         contour.RemovePoint(contour.GetFirstPoint());
         contour.InsertAtFront(carrier);
@@ -132,7 +137,6 @@ private:
             _ends.Remove(Side::Back, number);
             _ends.Insert(Side::Back, number, LastEnd(contour));
         }
-        return true;
     }
 
     Border& _target;
