@@ -42,13 +42,23 @@ struct CellRange
     explicit CellRange(float coordinate)
     {
         const double reach = std::fabs(coordinate) < kCoarseCoordinate ? kJoinTolerance : 0.0;
+        own = CellOf(coordinate);
         low = CellOf(static_cast<double>(coordinate) - reach);
         high = CellOf(static_cast<double>(coordinate) + reach);
     }
 
+    std::int64_t own;
     std::int64_t low;
     std::int64_t high;
 };
+
+// Starts to bring memory into the cache.
+void SendFor([[maybe_unused]] const void* address)
+{
+#if defined(__GNUC__)
+    __builtin_prefetch(address);
+#endif
+}
 
 bool DoCoordinatesMeet(float a, float b)
 {
@@ -69,14 +79,14 @@ EndGrid::EndGrid(std::size_t capacity)
       _shift(64 - std::countr_zero(_buckets.size()))
 {}
 
-void EndGrid::Insert(Side side, std::uint32_t number, const ContourEnd& end)
+void EndGrid::Insert(Side side, std::uint32_t number, const Probe& probe)
 {
     const auto which = static_cast<std::size_t>(side);
     Entry& entry = _entries[number][which];
-    entry.end = end;
-    if (!IsFinite(end))
+    entry.end = probe.end;
+    if (probe.count == 0)
         return;
-    entry.bucket = _BucketOf(CellOf(end.x), CellOf(end.y), CellOf(end.z));
+    entry.bucket = probe.home;
     List& list = _buckets[entry.bucket][which];
     // Numbers arrive in rising order, or below all others of their crowd.
     std::uint32_t before = list.last;
@@ -103,19 +113,22 @@ void EndGrid::Remove(Side side, std::uint32_t number)
     entry.bucket = kNone;
 }
 
-std::uint32_t EndGrid::FindFirst(Side side, const ContourEnd& end, std::uint32_t excluded) const
+EndGrid::Probe EndGrid::MakeProbe(const ContourEnd& end) const
 {
-    std::uint32_t found = kNone;
+    Probe probe;
+    probe.end = end;
     if (!IsFinite(end))
-        return found;
+        return probe;
     const CellRange xs(end.x);
     const CellRange ys(end.y);
     const CellRange zs(end.z);
+    probe.home = _BucketOf(xs.own, ys.own, zs.own);
+    SendFor(&_buckets[probe.home]);
     // Each range is its low and its high cell, visited once when they are the same.
     for (std::int64_t x = xs.low;; x = xs.high) {
         for (std::int64_t y = ys.low;; y = ys.high) {
             for (std::int64_t z = zs.low;; z = zs.high) {
-                found = _FindInBucket(_BucketOf(x, y, z), side, end, excluded, found);
+                probe.buckets[probe.count++] = _BucketOf(x, y, z);
                 if (z == zs.high)
                     break;
             }
@@ -124,6 +137,31 @@ std::uint32_t EndGrid::FindFirst(Side side, const ContourEnd& end, std::uint32_t
         }
         if (x == xs.high)
             break;
+    }
+    return probe;
+}
+
+void EndGrid::Prefetch(const Probe& probe) const
+{
+    if (probe.count == 0)
+        return;
+    for (const List& list : _buckets[probe.home]) {
+        if (list.first != kNone)
+            SendFor(&_entries[list.first]);
+    }
+}
+
+std::uint32_t EndGrid::FindFirst(Side side, const Probe& probe, std::uint32_t excluded) const
+{
+    const auto which = static_cast<std::size_t>(side);
+    std::uint32_t found = kNone;
+    for (std::uint32_t i = 0; i < probe.count; ++i) {
+        for (std::uint32_t number = _buckets[probe.buckets[i]][which].first; number < found;) {
+            const Entry& entry = _entries[number][which];
+            if (number != excluded && DoEndsMeet(probe.end, entry.end))
+                found = number;
+            number = entry.next;
+        }
     }
     return found;
 }
@@ -135,19 +173,6 @@ std::uint32_t EndGrid::_BucketOf(std::int64_t x, std::int64_t y, std::int64_t z)
     hash = (hash ^ (hash >> 32) ^ static_cast<std::uint64_t>(y)) * 0xBF58476D1CE4E5B9U;
     hash = (hash ^ (hash >> 32) ^ static_cast<std::uint64_t>(z)) * 0x94D049BB133111EBU;
     return static_cast<std::uint32_t>(hash >> _shift);
-}
-
-std::uint32_t EndGrid::_FindInBucket(std::uint32_t bucket, Side side, const ContourEnd& end,
-                                     std::uint32_t excluded, std::uint32_t limit) const
-{
-    const auto which = static_cast<std::size_t>(side);
-    for (std::uint32_t number = _buckets[bucket][which].first; number < limit;) {
-        const Entry& entry = _entries[number][which];
-        if (number != excluded && DoEndsMeet(end, entry.end))
-            return number;
-        number = entry.next;
-    }
-    return limit;
 }
 
 } // namespace Norvek::Math::Core

@@ -47,16 +47,31 @@ public:
     /// No contour; larger than every number.
     static constexpr std::uint32_t kNone = 0xFFFFFFFF;
 
+    /// The buckets that hold whatever meets an end: reckoned once, used for several searches.
+    struct Probe
+    {
+        ContourEnd end;
+        std::uint32_t home = 0;
+        std::uint32_t count = 0;
+        std::array<std::uint32_t, 8> buckets;
+    };
+
     /// For contours numbered from 0 to `capacity` - 1, all of them absent. Nothing is allocated
     /// later.
     explicit EndGrid(std::size_t capacity);
 
     /// Enters an absent end of a contour. One that meets nothing, not even itself, is only kept for
     /// `At`.
-    void Insert(Side side, std::uint32_t number, const ContourEnd& end);
+    void Insert(Side side, std::uint32_t number, const Probe& probe);
 
     /// Takes an end of a contour out, if it is there.
     void Remove(Side side, std::uint32_t number);
+
+    /// A probe for `end`; sends for the memory of its bucket.
+    [[nodiscard]] Probe MakeProbe(const ContourEnd& end) const;
+
+    /// Sends for the ends that a search with this probe will look at first.
+    void Prefetch(const Probe& probe) const;
 
     /// The end that was entered last for a contour.
     [[nodiscard]] const ContourEnd& At(Side side, std::uint32_t number) const
@@ -64,9 +79,9 @@ public:
         return _entries[number][static_cast<std::size_t>(side)].end;
     }
 
-    /// The smallest number, `excluded` left out, of a contour with that end meeting `end`; `kNone`
-    /// without any.
-    [[nodiscard]] std::uint32_t FindFirst(Side side, const ContourEnd& end,
+    /// The smallest number, `excluded` left out, of a contour with that end meeting the probe's;
+    /// `kNone` without any.
+    [[nodiscard]] std::uint32_t FindFirst(Side side, const Probe& probe,
                                           std::uint32_t excluded) const;
 
 private:
@@ -89,9 +104,6 @@ private:
     using Entries = std::array<Entry, 2>;
 
     [[nodiscard]] std::uint32_t _BucketOf(std::int64_t x, std::int64_t y, std::int64_t z) const;
-    [[nodiscard]] std::uint32_t _FindInBucket(std::uint32_t bucket, Side side,
-                                              const ContourEnd& end, std::uint32_t excluded,
-                                              std::uint32_t limit) const;
 
     std::vector<Bucket> _buckets;
     std::vector<Entries> _entries;

@@ -3,6 +3,7 @@
 #include <norvek/border/border_algorithms.h>
 
 #include <algorithm>
+#include <array>
 
 namespace Norvek::Math::Core
 {
@@ -37,78 +38,126 @@ public:
           _ends(std::size_t{target.GetNumContours()} + source.GetNumContours())
     {
         _contours.reserve(std::size_t{target.GetNumContours()} + source.GetNumContours());
-        for (Contour& contour : target)
-            _Number(contour);
+        for (Contour& contour : target) {
+            if (_CanJoin(contour))
+                _Number(contour, _ends.MakeProbe(FirstEnd(contour)),
+                        _ends.MakeProbe(LastEnd(contour)));
+            else
+                _Number(contour, {}, {});
+        }
     }
 
-    // Takes one contour of the source in. Both searches come before the first change: they need the
-    // places of the ends only, which the grid has at hand.
-    void Take(std::unique_ptr<Contour> piece)
+    // Takes all contours of the source in, one after another. Those to come are looked up some
+    // steps ahead, so that the memory of the grid arrives in time.
+    void TakeAll(Border& source)
     {
-        if (!_CanJoin(*piece)) {
+        std::array<Piece, kLookAhead> pieces;
+        std::size_t begin = 0;
+        std::size_t end = 0;
+        while (begin < end || source.GetFirstContour() != nullptr) {
+            for (; end < begin + kLookAhead && source.GetFirstContour() != nullptr; ++end)
+                pieces[end % kLookAhead] = _LookUp(source.RemoveFirstContour());
+            const Piece& soon = pieces[(begin + kLookAhead / 2) % kLookAhead];
+            _ends.Prefetch(soon.first);
+            _ends.Prefetch(soon.last);
+            _Take(std::move(pieces[begin++ % kLookAhead]));
+        }
+    }
+
+private:
+    struct Piece
+    {
+        std::unique_ptr<Contour> contour;
+        EndGrid::Probe first;
+        EndGrid::Probe last;
+    };
+
+    static constexpr std::size_t kLookAhead = 8;
+
+    [[nodiscard]] Piece _LookUp(std::unique_ptr<Contour> contour) const
+    {
+        Piece piece;
+        if (_CanJoin(*contour)) {
+            piece.first = _ends.MakeProbe(FirstEnd(*contour));
+            piece.last = _ends.MakeProbe(LastEnd(*contour));
+        }
+        piece.contour = std::move(contour);
+        return piece;
+    }
+
+    // Both searches come before the first change: they need the places of the ends only, which the
+    // grid has at hand.
+    void _Take(Piece piece)
+    {
+        if (!_CanJoin(*piece.contour)) {
             _Append(std::move(piece));
             return;
         }
-        const ContourEnd first = FirstEnd(*piece);
-        const ContourEnd last = LastEnd(*piece);
-        const std::uint32_t back = _FindFirst(Side::Back, first, last, EndGrid::kNone);
-        if (back == EndGrid::kNone) {
-            const std::uint32_t front = _FindFirst(Side::Front, first, last, EndGrid::kNone);
-            if (front == EndGrid::kNone)
-                _Append(std::move(piece));
-            else
-                _JoinInFront(front, *piece, !DoEndsMeet(last, _ends.At(Side::Front, front)));
+        const std::uint32_t back = _FindFirst(Side::Back, piece.first, piece.last, EndGrid::kNone);
+        if (back != EndGrid::kNone) {
+            _Carry(back, piece);
             return;
         }
-        // From the end join on the target contour carries the points of the piece.
-        const ContourEnd carrierFirst = _ends.At(Side::Front, back);
+        const std::uint32_t front =
+            _FindFirst(Side::Front, piece.first, piece.last, EndGrid::kNone);
+        if (front != EndGrid::kNone)
+            _JoinInFront(front, *piece.contour, piece.first, piece.last);
+        else
+            _Append(std::move(piece));
+    }
+
+    // The end join: the target contour `back` carries the points of the piece from here on, and is
+    // tried in front of the others.
+    void _Carry(std::uint32_t back, Piece& piece)
+    {
         const ContourEnd matched = _ends.At(Side::Back, back);
-        const bool isReversed = !DoEndsMeet(first, matched);
-        ContourEnd carrierLast = isReversed ? first : last;
-        if (piece->GetNumPoints() == 1)
-            carrierLast = matched;
-        const std::uint32_t front = _FindFirst(Side::Front, carrierFirst, carrierLast, back);
+        const bool isReversed = !DoEndsMeet(piece.first.end, matched);
+        const EndGrid::Probe first = _ends.MakeProbe(_ends.At(Side::Front, back));
+        // A single point goes without a trace: the matched point stays the last one.
+        const EndGrid::Probe& last = piece.contour->GetNumPoints() == 1 ? _ends.MakeProbe(matched)
+                                     : isReversed                       ? piece.first
+                                                                        : piece.last;
+        const std::uint32_t front = _FindFirst(Side::Front, first, last, back);
         Contour& carrier = *_contours[back];
-        _JoinAtBack(carrier, *piece, isReversed);
+        _JoinAtBack(carrier, *piece.contour, isReversed);
         _ends.Remove(Side::Back, back);
-        if (back < front && DoEndsMeet(carrierLast, carrierFirst)) {
+        if (back < front && DoEndsMeet(last.end, first.end)) {
             // Meeting itself before any other: the carrier is closed and joins no more.
             carrier.RemovePoint(carrier.GetFirstPoint());
             carrier.SetIsClosed(true);
             _ends.Remove(Side::Front, back);
         } else if (front != EndGrid::kNone) {
             _ends.Remove(Side::Front, back);
-            _JoinInFront(front, carrier, !DoEndsMeet(carrierLast, _ends.At(Side::Front, front)));
+            _JoinInFront(front, carrier, first, last);
             _target.RemoveContour(&carrier);
         } else {
-            _ends.Insert(Side::Back, back, carrierLast);
+            _ends.Insert(Side::Back, back, last);
         }
     }
 
-private:
     static bool _CanJoin(const Contour& contour)
     {
         return !contour.GetIsClosed() && contour.GetNumPoints() > 0;
     }
 
-    void _Number(Contour& contour)
+    void _Number(Contour& contour, const EndGrid::Probe& first, const EndGrid::Probe& last)
     {
         const auto number = static_cast<std::uint32_t>(_contours.size());
         _contours.push_back(&contour);
         if (!_CanJoin(contour))
             return;
-        _ends.Insert(Side::Front, number, FirstEnd(contour));
-        _ends.Insert(Side::Back, number, LastEnd(contour));
+        _ends.Insert(Side::Front, number, first);
+        _ends.Insert(Side::Back, number, last);
     }
 
-    void _Append(std::unique_ptr<Contour> piece)
+    void _Append(Piece piece)
     {
-        _Number(*_target.AddContourAtEnd(piece.release()));
+        _Number(*_target.AddContourAtEnd(piece.contour.release()), piece.first, piece.last);
     }
 
     // The first contour of the list, `excluded` left out, whose end on that side meets a or b.
-    [[nodiscard]] std::uint32_t _FindFirst(Side side, const ContourEnd& a, const ContourEnd& b,
-                                           std::uint32_t excluded) const
+    [[nodiscard]] std::uint32_t _FindFirst(Side side, const EndGrid::Probe& a,
+                                           const EndGrid::Probe& b, std::uint32_t excluded) const
     {
         return std::min(_ends.FindFirst(side, a, excluded), _ends.FindFirst(side, b, excluded));
     }
@@ -122,9 +171,12 @@ private:
         contour.InsertAtEnd(piece);
     }
 
-    // Of the two matched points that of the carrier stays.
-    void _JoinInFront(std::uint32_t number, Contour& carrier, bool isReversed)
+    // Puts the carrier, whose ends are given, in front of a contour. Of the two matched points that
+    // of the carrier stays.
+    void _JoinInFront(std::uint32_t number, Contour& carrier, const EndGrid::Probe& first,
+                      const EndGrid::Probe& last)
     {
+        const bool isReversed = !DoEndsMeet(last.end, _ends.At(Side::Front, number));
         if (isReversed)
             carrier.Invert();
         Contour& contour = *_contours[number];
@@ -132,10 +184,10 @@ private:
         contour.RemovePoint(contour.GetFirstPoint());
         contour.InsertAtFront(carrier);
         _ends.Remove(Side::Front, number);
-        _ends.Insert(Side::Front, number, FirstEnd(contour));
+        _ends.Insert(Side::Front, number, isReversed ? last : first);
         if (!hasOwnBack) {
             _ends.Remove(Side::Back, number);
-            _ends.Insert(Side::Back, number, LastEnd(contour));
+            _ends.Insert(Side::Back, number, isReversed ? first : last);
         }
     }
 
@@ -154,9 +206,7 @@ void MergeBorder(M3dBorder<Coord, Payload>& target, M3dBorder<Coord, Payload>& s
 {
     if (&target == &source)
         return;
-    Norvek::Math::Core::Merger merger(target, source);
-    while (source.GetFirstContour() != nullptr)
-        merger.Take(source.RemoveFirstContour());
+    Norvek::Math::Core::Merger(target, source).TakeAll(source);
 }
 
 template void MergeBorder<float, float>(M3dBorder<float, float>&, M3dBorder<float, float>&);
