@@ -8,7 +8,6 @@
 
 #include <map>
 #include <tuple>
-#include <utility>
 #include <vector>
 
 namespace norvek_test
@@ -24,15 +23,11 @@ template <class Contour>
 std::vector<Place<Contour>> CheckedPlaces(const Contour& contour)
 {
     std::vector<Place<Contour>> places;
-    EXPECT_TRUE(contour.GetPool() != nullptr);
-    EXPECT_EQ(contour.GetFirstPoint() == nullptr, contour.GetNumPoints() == 0);
-    EXPECT_EQ(contour.size(), contour.GetNumPoints());
-    EXPECT_LE(contour.GetNumPoints(), contour.GetPool()->GetLiveCount());
     const auto* point = contour.GetFirstPoint();
+    EXPECT_EQ(point == nullptr, contour.GetNumPoints() == 0);
     for (std::uint32_t i = 0; i < contour.GetNumPoints(); ++i) {
         EXPECT_EQ(point->freeFlag, 0U);
-        EXPECT_EQ(point->next->previous, point);
-        EXPECT_EQ(point->previous->next, point);
+        EXPECT_TRUE(point->next->previous == point && point->previous->next == point);
         places.emplace_back(point->x, point->y, point->payload);
         point = point->next;
     }
@@ -41,35 +36,28 @@ std::vector<Place<Contour>> CheckedPlaces(const Contour& contour)
     return places;
 }
 
-/// All contours of a border, with the list invariants checked on the way, and the counts of the
-/// pools: no record is live that stands in no ring.
+/// All contours of a border, with the invariants of list and rings checked on the way; no record of
+/// their pools is live that stands in no ring.
 template <class Border>
 auto CheckedContours(const Border& border)
 {
-    using Contour = typename Border::ContourType;
-    std::vector<std::vector<Place<Contour>>> all;
-    std::map<const void*, std::pair<std::uint32_t, std::uint32_t>> pools;
-    const Contour* previous = nullptr;
-    std::uint32_t numPoints = 0;
-    for (const Contour& contour : border.Contours()) {
+    std::vector<decltype(CheckedPlaces(*border.GetFirstContour()))> all;
+    std::map<typename Border::PoolPointer, std::uint32_t> pools;
+    const typename Border::ContourType* previous = nullptr;
+    for (const auto& contour : border.Contours()) {
         EXPECT_EQ(contour.GetPreviousContour(), previous);
-        all.push_back(CheckedPlaces(contour));
-        auto& [live, counted] = pools[contour.GetPool().get()];
-        live = contour.GetPool()->GetLiveCount();
-        counted += contour.GetNumPoints();
-        numPoints += contour.GetNumPoints();
         previous = &contour;
+        all.push_back(CheckedPlaces(contour));
+        pools[contour.GetPool()] += contour.GetNumPoints();
     }
-    for (const auto& [pool, counts] : pools)
-        EXPECT_EQ(counts.first, counts.second);
     EXPECT_EQ(border.GetLastContour(), previous);
     EXPECT_EQ(border.GetNumContours(), all.size());
-    EXPECT_EQ(border.GetNumPoints(), numPoints);
-    EXPECT_EQ(border.GetNumEdges(), numPoints);
+    for (const auto& [pool, count] : pools)
+        EXPECT_EQ(pool->GetLiveCount(), count);
     return all;
 }
 
-/// Appends points of the given places.
+/// Appends points at the given places.
 template <class Contour>
 void Append(Contour& contour, const std::vector<Place<Contour>>& places)
 {
