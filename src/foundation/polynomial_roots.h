@@ -25,7 +25,8 @@ struct ComplexRoot
 ///   and w = -1/2 + i sqrt(3)/2.
 ///
 /// 0, and nothing written, for degree 0 and for a degree above 3. `roots` has room for three.
-/// Double roots come out with half the digits. Non-finite coefficients give non-finite roots.
+/// Double roots come out with half the digits. A complex pair may lose all of them: for q > 0 and a
+/// small p the difference s - q cancels (x^3 + 8 gives three zeros). Callers look for real roots. Non-finite coefficients give non-finite roots.
 int PolynomialRoots(std::span<const double> coefficients, std::span<ComplexRoot, 3> roots);
 
 } // namespace Norvek::Math::Core
