@@ -46,28 +46,29 @@ std::uint64_t HashTransforms(Numbers numbers)
 {
     Hash hash;
     for (int i = 0; i < kRounds; ++i) {
+        const auto p = numbers.Points<10>(5.0);
         MMTransformMatrix a;
-        a.MakeRotationXYZ(numbers.Next(180.0), numbers.Next(180.0), numbers.Next(180.0));
+        a.MakeRotationXYZ(40.0 * p[0].x, 40.0 * p[0].y, 40.0 * p[0].z);
         MMTransformMatrix b;
-        b.MakeRotation(numbers.Point(5.0), numbers.Point(1.0), numbers.Next(3.0));
+        b.MakeRotation(p[1], p[2], numbers.Next(3.0));
         MMTransformMatrix c;
-        c.MakeTransformation(numbers.Point(9.0), numbers.Point(1.0), numbers.Point(1.0),
-                             numbers.Point(1.0));
+        c.MakeTransformation(p[3], p[4], p[5], p[6]);
         const MMTransformMatrix product = a * b * c;
         AddMatrix(hash, product);
-        MMPoint3d<double> p = numbers.Point(100.0);
-        product.Transform(p, false);
-        hash.Add(p);
-        double angles[3] = {};
-        hash.Add((a * b).GetRotationZYX(angles[0], angles[1], angles[2]));
-        hash.Add(MMPoint3d<double>(angles[0], angles[1], angles[2]));
+        MMPoint3d<double> moved = p[7];
+        product.Transform(moved, false);
+        hash.Add(moved);
+        MMPoint3d<double> angles;
+        hash.Add((a * b).GetRotationZYX(angles.x, angles.y, angles.z));
+        hash.Add(angles);
         MMTransformMatrix turn;
-        hash.Add(turn.MakeRotationInPlane(numbers.Point(1.0), numbers.Point(1.0), {}));
+        hash.Add(turn.MakeRotationInPlane(p[8], p[9], {}));
+        AddMatrix(hash, turn);
         hash.Add(turn.MakeRotation(product));
         AddMatrix(hash, turn);
         hash.Add(c.MakeOrthoNormal());
         AddMatrix(hash, c);
-        c.MakePerspectiveProjection(-1, 1, -1, numbers.Next(9.0), -9, -1, numbers.Next(0.5));
+        c.MakePerspectiveProjection(-1, 1, -1, p[0].x, -9, -1, 0.1 * p[0].y);
         AddMatrix(hash, c);
     }
     return hash.Value();
@@ -77,29 +78,27 @@ std::uint64_t HashPlanesAndLines(Numbers numbers)
 {
     Hash hash;
     for (int i = 0; i < kRounds; ++i) {
-        MMPlaneEq<double> plane(numbers.Point(5.0), numbers.Point(5.0), numbers.Point(5.0));
-        const MMPlaneEq<double> other(numbers.Point(5.0), numbers.Point(1.0));
+        const auto p = numbers.Points<15>(5.0);
+        MMPlaneEq<double> plane(p[0], p[1], p[2]);
         MMPoint3d<double> point;
         MMPoint3d<double> direction;
+        const MMPlaneEq<double> other(p[3], p[4]);
         hash.Add(static_cast<int>(plane.IntersectWithPlane(point, direction, other, 1e-9)));
         hash.Add(point);
         hash.Add(direction);
         MMTransformMatrix turn;
-        turn.MakeRotation(numbers.Point(5.0), numbers.Point(1.0), numbers.Next(3.0));
+        turn.MakeRotation(p[5], p[6], numbers.Next(3.0));
         plane.Transform(turn);
-        hash.Add(plane.Project(point, numbers.Point(9.0)));
+        hash.Add(plane.Project(point, p[7]));
         hash.Add(point);
 
-        const MMLine line(numbers.Point(5.0), numbers.Point(5.0));
         MMLine across;
-        hash.Add(line.GetCommonPerpendicularLine(MMLine(numbers.Point(5.0), numbers.Point(5.0)),
-                                                 across, 1e-9));
+        hash.Add(MMLine(p[8], p[9]).GetCommonPerpendicularLine(MMLine(p[10], p[11]), across, 1e-9));
         hash.Add(across.GetPointFirst());
         hash.Add(across.GetPointSecond());
 
-        const MMLine2D flat({numbers.Next(5.0), numbers.Next(5.0)},
-                            {numbers.Next(5.0), numbers.Next(5.0)});
-        hash.Add(flat.GetSignedDistance({numbers.Next(5.0), numbers.Next(5.0)}));
+        const MMLine2D flat({p[12].x, p[12].y}, {p[13].x, p[13].y});
+        hash.Add(flat.GetSignedDistance({p[14].x, p[14].y}));
         hash.Add(flat.GetDirection());
     }
     return hash.Value();
@@ -109,16 +108,15 @@ std::uint64_t HashBoxes(Numbers numbers)
 {
     Hash hash;
     for (int i = 0; i < kRounds; ++i) {
-        M3DBoundingBox<double> box(numbers.Point(5.0));
-        box.AddPoint(numbers.Point(5.0));
+        const auto p = numbers.Points<9>(5.0);
+        M3DBoundingBox<double> box(p[0]);
+        box.AddPoint(p[1]);
         hash.Add(box.GetCenter());
-        const MMPoint3d<double> triangle[3] = {numbers.Point(9.0), numbers.Point(9.0),
-                                               numbers.Point(9.0)};
-        hash.Add(box.DoesIntersectTriangle(triangle));
-        hash.Add(box.DoesIntersectPlane(numbers.Point(5.0), numbers.Point(1.0)));
+        hash.Add(box.DoesIntersectTriangle(&p[2]));
+        hash.Add(box.DoesIntersectPlane(p[5], p[6]));
         MBoundingBox3DDouble corners;
-        corners.AddPoint(numbers.Point(1e12));
-        corners.AddPoint(numbers.Point(1e12));
+        corners.AddPoint(p[7] * 1e12);
+        corners.AddPoint(p[8] * 1e12);
         MMPoint3d<double> offset;
         double scale = 0.0;
         hash.Add(corners.FitInLong(offset, scale, numbers.Next(1.0)));
@@ -133,7 +131,7 @@ std::uint64_t HashBorders(Numbers numbers)
 {
     using Border = M3dBorder<float, float>;
     const auto next = [&](double size) {
-        return static_cast<float>(numbers.Next(size));
+        return MMPoint3d<float>(numbers.Point(size));
     };
     Hash hash;
     for (int i = 0; i < kRounds / 10; ++i) {
@@ -141,15 +139,18 @@ std::uint64_t HashBorders(Numbers numbers)
         for (int piece = 0; piece < 20; ++piece) {
             auto* const contour = border.AddContourAtEnd();
             contour->SetIsClosed(piece % 4 == 0);
-            for (int point = 0; point < 10; ++point)
-                contour->InsertAtEnd(next(5.0), next(5.0), next(5.0));
+            for (int point = 0; point < 10; ++point) {
+                const MMPoint3d<float> p = next(5.0);
+                contour->InsertAtEnd(p.x, p.y, p.z);
+            }
         }
         MMTransformMatrix turn;
-        turn.MakeRotation(numbers.Point(5.0), numbers.Point(1.0), numbers.Next(3.0));
+        const auto axis = numbers.Points<2>(5.0);
+        turn.MakeRotation(axis[0], axis[1], numbers.Next(3.0));
         TransformBorder(border, turn);
         MFrame<float> frame;
-        frame.origin = {next(2.0), next(2.0), next(2.0)};
-        frame.xAxis = {next(9.0), next(9.0), next(1.0)};
+        frame.origin = next(2.0);
+        frame.xAxis = next(9.0);
         ClipBorderInFrame(border, frame);
         Border merged;
         MergeBorder(merged, border);

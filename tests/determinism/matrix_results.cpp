@@ -98,17 +98,21 @@ std::uint64_t HashFits(Numbers numbers)
     Hash hash;
     for (int i = 0; i < kRounds / 4; ++i) {
         MMLeastSquarePlane fit;
-        for (int point = 0; point < 20; ++point)
-            fit.AddPoint(numbers.Next(9.0), numbers.Next(5.0), numbers.Next(0.5));
+        for (int point = 0; point < 20; ++point) {
+            const MMPoint3d<double> p = numbers.Point(9.0);
+            fit.AddPoint(p.x, 0.5 * p.y, 0.1 * p.z);
+        }
         const MMPlaneEq<double> plane = fit.GetPlane();
         hash.Add(plane.GetNormal());
         hash.Add(plane.D());
         fit.CalculateThroughOrigin();
         hash.Add(fit.GetPlane().GetNormal());
         MMSphere sphere;
-        hash.Add(sphere.Fit4Points(numbers.Point(5.0), numbers.Point(5.0), numbers.Point(5.0),
-                                   numbers.Point(5.0)));
+        const auto p = numbers.Points<4>(5.0);
+        hash.Add(sphere.Fit4Points(p[0], p[1], p[2], p[3]));
         hash.Add(sphere.GetRadius());
+        hash.Add(sphere.CapturePoints({p.begin(), p.end()}));
+        hash.Add(sphere.GetCenter());
     }
     return hash.Value();
 }

@@ -3,6 +3,7 @@
 #include <norvek/foundation/point2d.h>
 #include <norvek/foundation/point3d.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
@@ -77,9 +78,19 @@ public:
 
     MMPoint3d<double> Point(double size)
     {
-        const double x = Next(size);
-        const double y = Next(size);
-        return {x, y, Next(size)};
+        // Braces, which are evaluated from the left; the arguments of a call are not.
+        return {Next(size), Next(size), Next(size)};
+    }
+
+    /// So many points or numbers, one after the other: the arguments of a call may be evaluated in
+    /// any order, so that draws within one would differ between compilers.
+    template <std::size_t N>
+    std::array<MMPoint3d<double>, N> Points(double size)
+    {
+        std::array<MMPoint3d<double>, N> points;
+        for (MMPoint3d<double>& point : points)
+            point = Point(size);
+        return points;
     }
 
 private:

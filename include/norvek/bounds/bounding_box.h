@@ -114,7 +114,7 @@ struct M3DBoundingBox
 
     /// Swaps the limits of every axis whose lower limit is above the upper one. The empty box thus
     /// becomes the box of (nearly) everything.
-    NORVEK_MATH_API void MakeValid();
+    void MakeValid();
 
     /// The lower limit of an axis; 0 for any other axis number than 0, 1, 2.
     [[nodiscard]] constexpr T GetMin(int axis) const
@@ -276,7 +276,7 @@ struct M3DBoundingBox
 
     /// Intersects axis by axis. An axis on which the boxes are disjoint becomes empty; the others
     /// keep their overlap. Intervals that touch give a single value. Validity is not looked at.
-    NORVEK_MATH_API M3DBoundingBox& operator&=(const M3DBoundingBox& other);
+    M3DBoundingBox& operator&=(const M3DBoundingBox& other);
 
     /// The axis-by-axis intersection, as `&=`.
     [[nodiscard]] M3DBoundingBox operator&(const M3DBoundingBox& other) const
@@ -327,8 +327,8 @@ struct M3DBoundingBox
     /// box on both sides; false for an invalid box. A corner on the plane counts as the side away
     /// from the normal, so a box that touches the plane from that side only does not intersect.
     /// Integer boxes compute in wrapping 32-bit arithmetic.
-    [[nodiscard]] NORVEK_MATH_API bool
-    DoesIntersectPlane(const MMPoint3d<T>& point, const MMPoint3dIntegerTypes<T>& normal) const;
+    [[nodiscard]] bool DoesIntersectPlane(const MMPoint3d<T>& point,
+                                          const MMPoint3dIntegerTypes<T>& normal) const;
 
     /// True when the triangle and the closed box share a point; false for an invalid box.
     ///
@@ -336,8 +336,7 @@ struct M3DBoundingBox
     /// box, the plane of the triangle; T. Akenine-Moller, "Fast 3D triangle-box overlap testing",
     /// 2001). Computed in `T`: integer boxes halve centre and extents by integer division and wrap,
     /// so distances up to about 2^9 between box and triangle are safe there.
-    [[nodiscard]] NORVEK_MATH_API bool
-    DoesIntersectTriangle(const MMPoint3dIntegerTypes<T> triangle[3]) const;
+    [[nodiscard]] bool DoesIntersectTriangle(const MMPoint3dIntegerTypes<T> triangle[3]) const;
 
     /// Prints `[(min) - (max)]`.
     friend std::ostream& operator<<(std::ostream& stream, const M3DBoundingBox& box)
@@ -385,6 +384,6 @@ private:
     }
 };
 
-extern template struct M3DBoundingBox<std::int32_t>;
-extern template struct M3DBoundingBox<double>;
-extern template struct M3DBoundingBox<float>;
+extern template struct NORVEK_MATH_API M3DBoundingBox<std::int32_t>;
+extern template struct NORVEK_MATH_API M3DBoundingBox<double>;
+extern template struct NORVEK_MATH_API M3DBoundingBox<float>;
