@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <bit>
 #include <vector>
 
@@ -14,11 +15,9 @@ using Points = std::vector<MMPoint3d<double>>;
 
 void ExpectSameBits(const MMPoint3d<double>* a, const MMPoint3d<double>* b, std::size_t count)
 {
-    for (std::size_t i = 0; i < count; ++i) {
-        ASSERT_EQ(std::bit_cast<std::uint64_t>(a[i].x), std::bit_cast<std::uint64_t>(b[i].x)) << i;
-        ASSERT_EQ(std::bit_cast<std::uint64_t>(a[i].y), std::bit_cast<std::uint64_t>(b[i].y)) << i;
-        ASSERT_EQ(std::bit_cast<std::uint64_t>(a[i].z), std::bit_cast<std::uint64_t>(b[i].z)) << i;
-    }
+    using Bits = std::array<std::uint64_t, 3>;
+    for (std::size_t i = 0; i < count; ++i)
+        ASSERT_EQ(std::bit_cast<Bits>(a[i]), std::bit_cast<Bits>(b[i])) << i;
 }
 
 // Short vectors, every remainder, the streamed length and odd starts: the same bits as one by one,

@@ -1,4 +1,5 @@
 #include "support/random.h"
+#include "support/transform_checks.h"
 
 #include <norvek/transform/transform_exception.h>
 #include <norvek/transform/transform_matrix.h>
@@ -6,44 +7,24 @@
 #include <Eigen/Geometry>
 #include <gtest/gtest.h>
 
-#include <limits>
 #include <numbers>
 
 namespace
 {
 
+using namespace norvek_test;
 using Point = MMPoint3d<double>;
 
 constexpr double kDegree = std::numbers::pi / 180.0;
-
-Eigen::Matrix3d Part(const MMTransformMatrix& matrix)
-{
-    Eigen::Matrix3d m;
-    for (unsigned short i = 0; i < 3; ++i) {
-        for (unsigned short j = 0; j < 3; ++j)
-            m(i, j) = matrix.GetElement(i, j, false);
-    }
-    return m;
-}
 
 Eigen::Matrix3d Turn(double degrees, const Eigen::Vector3d& axis)
 {
     return Eigen::AngleAxisd(degrees * kDegree, axis).toRotationMatrix();
 }
 
-double Difference(const Eigen::Matrix3d& a, const Eigen::Matrix3d& b)
-{
-    return (a - b).cwiseAbs().maxCoeff();
-}
-
-double Distance(const Point& a, const Point& b)
-{
-    return (a - b).Length();
-}
-
 TEST(TransformMatrixMakers, EulerRotationsTurnInTheirOrder)
 {
-    norvek_test::Random random(321);
+    Random random(321);
     const Eigen::Vector3d x = Eigen::Vector3d::UnitX();
     const Eigen::Vector3d y = Eigen::Vector3d::UnitY();
     const Eigen::Vector3d z = Eigen::Vector3d::UnitZ();
@@ -61,14 +42,12 @@ TEST(TransformMatrixMakers, EulerRotationsTurnInTheirOrder)
         EXPECT_TRUE(matrix.DoRotationZYX(ax, ay, az));
         EXPECT_LT(Difference(Part(matrix), zyx * xyz), 1e-14);
 
-        Point center = random.Point(100.0);
+        const Point center = random.Point(100.0);
         EXPECT_TRUE(matrix.MakeRotationZYX(center, ax, ay, az));
         EXPECT_LT(Difference(Part(matrix), zyx), 1e-14);
         EXPECT_LT(Distance(matrix(center, false), center), 1e-12);
         EXPECT_TRUE(matrix.MakeRotationXYZ(center, ax, ay, az));
         EXPECT_LT(Difference(Part(matrix), xyz), 1e-14);
-        EXPECT_TRUE(matrix.InverseTransform(center, false));
-        EXPECT_LT(Distance(matrix(center, false), center), 1e-12);
     }
     // A rotation applied to a transform turns its translation as well.
     MMTransformMatrix moved;
@@ -79,7 +58,7 @@ TEST(TransformMatrixMakers, EulerRotationsTurnInTheirOrder)
 
 TEST(TransformMatrixMakers, AxisAngleIsInRadiansAndAcceptsAnyLength)
 {
-    norvek_test::Random random(322);
+    Random random(322);
     for (int i = 0; i < 300; ++i) {
         const Point direction = random.Point(1.0);
         const Point center = random.Point(10.0);
@@ -138,7 +117,7 @@ TEST(TransformMatrixMakers, FramesMapLocalCoordinates)
     EXPECT_EQ(frame(Point(1.0, 10.0, 100.0), false), Point(3.0, 102.0, 113.0));
     EXPECT_TRUE(frame.IsInversible());
 
-    norvek_test::Random random(323);
+    Random random(323);
     for (int i = 0; i < 200; ++i) {
         const Point origin = random.Point(50.0);
         const Point point = random.Point(50.0);
@@ -173,9 +152,6 @@ TEST(TransformMatrixMakers, ProjectionsMapTheirBox)
     EXPECT_LT(Distance(matrix(Point(-1.0, -2.0, 4.0), false), {-1.0, 1.0, -1.0}), 1e-14);
     EXPECT_LT(Distance(matrix(Point(3.0, 2.0, 4.0), false), {1.0, -1.0, -1.0}), 1e-14);
     EXPECT_NEAR(matrix(Point(0.0, 0.0, -10.0), false).z, 1.0, 1e-14);
-    Point there(0.3, 0.2, 0.1);
-    EXPECT_TRUE(matrix.InverseTransform(there, false));
-    EXPECT_LT(Distance(matrix(there, false), {0.3, 0.2, 0.1}), 1e-13);
 }
 
 } // namespace
