@@ -26,8 +26,7 @@ public:
 
     void Clip(const std::vector<Vertex>& points, bool isClosed)
     {
-        _firstRun = nullptr;
-        _lastRun = nullptr;
+        _runs.clear();
         for (std::size_t i = 0; i < points.size(); ++i)
             _Step(i > 0 ? &points[i - 1] : nullptr, points[i]);
         if (isClosed && !points.empty())
@@ -72,17 +71,15 @@ private:
             if (comesFromOutside)
                 _AddPassage(*previous, point);
             else if (previous != nullptr)
-                _Append(*_lastRun, _Crossing(point, *previous));
+                _Append(*_runs.back(), _Crossing(point, *previous));
             return;
         }
         if (previous == nullptr || comesFromOutside) {
-            _lastRun = &_AddOpenContour();
-            if (_firstRun == nullptr)
-                _firstRun = _lastRun;
+            _runs.push_back(&_AddOpenContour());
             if (comesFromOutside)
-                _Append(*_lastRun, _Crossing(*previous, point));
+                _Append(*_runs.back(), _Crossing(*previous, point));
         }
-        _Append(*_lastRun, point);
+        _Append(*_runs.back(), point);
     }
 
     // An edge between two outside points. The sign test tells one side from the other because the
@@ -105,23 +102,23 @@ private:
             _AddPassage(last, first);
         } else if (isLastOutside) {
             const Vertex crossing = _Crossing(last, first);
-            _firstRun->InsertAtFront(crossing.x, crossing.y, crossing.z);
+            _runs.front()->InsertAtFront(crossing.x, crossing.y, crossing.z);
         } else if (isFirstOutside) {
-            _Append(*_lastRun, _Crossing(first, last));
-        } else if (_firstRun == _lastRun) {
-            _firstRun->SetIsClosed(true);
+            _Append(*_runs.back(), _Crossing(first, last));
+        } else if (_runs.size() == 1) {
+            _runs.front()->SetIsClosed(true);
         } else {
             // The last run keeps its place in the list; the first one disappears into it.
-            _lastRun->InsertAtEnd(*_firstRun);
-            _result.RemoveContour(_firstRun);
+            _runs.back()->InsertAtEnd(*_runs.front());
+            _result.RemoveContour(_runs.front());
         }
     }
 
     float _low;
     float _high;
     Border& _result;
-    Contour* _firstRun = nullptr;
-    Contour* _lastRun = nullptr;
+    // The runs of inside points of the contour at hand.
+    std::vector<Contour*> _runs;
 };
 
 // In single precision, as the frame is; a zero vector stays as it is.

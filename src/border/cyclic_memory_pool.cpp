@@ -2,7 +2,6 @@
 
 #include <norvek/border/cyclic_memory_pool.h>
 
-#include <cassert>
 #include <cstddef>
 
 namespace
@@ -57,10 +56,10 @@ void MCyclicMemoryPool<Point>::_MakeRecordAvailable()
         return;
     }
     const std::uint64_t capacity = std::uint64_t{_pointsPerBlock} * _blocksAllocated;
-    if (capacity >= std::uint64_t{_pointsPerBlock} + _liveCount) {
+    if (capacity >= std::uint64_t{_pointsPerBlock} + _liveCount)
         _RebuildFreeList();
+    if (_freeList != nullptr)
         return;
-    }
     try {
         _Grow();
     } catch (...) {
@@ -94,8 +93,8 @@ void MCyclicMemoryPool<Point>::_RebuildFreeList()
             last = record;
         }
     }
-    assert(last != nullptr);
-    _SetLink(last, nullptr);
+    if (last != nullptr)
+        _SetLink(last, nullptr);
 }
 
 // The counts rise after the block is there, so that a failure leaves no slot without a block below

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <limits>
-#include <ranges>
 
 namespace
 {
@@ -202,8 +201,8 @@ TEST(Contour, WalksBothWaysAndSurvivesRemovalOfThePointJustLeft)
     std::uint32_t counter = 7;
     contour.SetIndices(counter);
     EXPECT_EQ(counter, 13U);
-    for (const auto& point : contour | std::views::reverse)
-        EXPECT_EQ(point.index, --counter);
+    for (auto it = contour.end(); it != contour.begin();)
+        EXPECT_EQ((--it)->index, --counter);
     for (auto it = contour.begin(); it != contour.end();) {
         auto* const point = &*it++;
         if (point->x != 4.0F)

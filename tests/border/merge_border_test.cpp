@@ -9,7 +9,6 @@
 namespace
 {
 
-using norvek_test::Append;
 using norvek_test::CheckedContours;
 
 using Border = M3dBorder<float, float>;
@@ -134,7 +133,7 @@ Border Scene(norvek_test::Random& random, int places, double jitter, int contour
 TEST(MergeBorder, JoinsExactlyAsTryingOneByOneDoes)
 {
     norvek_test::Random random(741);
-    for (int scene = 0; scene < 5000; ++scene) {
+    for (int scene = 0; scene < 2500; ++scene) {
         const double jitter = scene % 2 * 0.001 + scene % 3 * 0.003;
         // Every hundredth scene is a large one of many places, in which long chains grow.
         const bool isLarge = scene % 100 == 9;

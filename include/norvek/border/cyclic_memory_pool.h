@@ -111,12 +111,12 @@ private:
 
     static Point* _GetLink(const Point* record)
     {
-        Point* link = nullptr;
+        void* link = nullptr;
         std::memcpy(&link, static_cast<const void*>(record), sizeof link);
-        return link;
+        return static_cast<Point*>(link);
     }
 
-    static void _SetLink(Point* record, Point* link)
+    static void _SetLink(Point* record, void* link)
     {
         std::memcpy(static_cast<void*>(record), &link, sizeof link);
     }
