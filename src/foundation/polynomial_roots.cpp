@@ -27,15 +27,6 @@ ComplexRoot SquareRootOfReal(double value)
     return {std::sqrt(value), 0.0};
 }
 
-// The principal cube root, |z|^(1/3) at a third of the angle.
-ComplexRoot PrincipalCubeRoot(const ComplexRoot& z)
-{
-    constexpr double third = 1.0 / 3.0;
-    const double size = std::pow(std::sqrt(z.real * z.real + z.imaginary * z.imaginary), third);
-    const double angle = std::atan2(z.imaginary, z.real) * third;
-    return {size * std::cos(angle), size * std::sin(angle)};
-}
-
 // z times -1/2 + i h, for h the imaginary part of a cube root of one.
 ComplexRoot TurnedByThird(const ComplexRoot& z, double h)
 {
@@ -50,26 +41,30 @@ void QuadraticRoots(const double* c, std::span<ComplexRoot, 3> roots)
     roots[1] = {(-s.real - c[1]) * 0.5 / c[2], -imaginary};
 }
 
+} // namespace
+
 // Cardano on the depressed cubic y^3 + p y + q, x = y + shift.
-void CubicRoots(const double* c, std::span<ComplexRoot, 3> roots)
+void MonicCubicRoots(double b0, double b1, double b2, std::span<ComplexRoot, 3> roots)
 {
-    const double b0 = c[0] / c[3];
-    const double b1 = c[1] / c[3];
-    const double b2 = c[2] / c[3];
     const double shift = -b2 / 3.0;
     const double p = b1 - b2 * b2 / 3.0;
     const double q = ((shift + b2) * shift + b1) * shift + b0;
-
     const ComplexRoot s = SquareRootOfReal(4.0 * p * p * p / 27.0 + q * q);
-    ComplexRoot u = PrincipalCubeRoot({(s.real - q) / 2.0, s.imaginary / 2.0});
+    const ComplexRoot cube{(s.real - q) / 2.0, s.imaginary / 2.0};
+
+    // The principal cube root, |cube|^(1/3) at a third of the angle.
+    constexpr double third = 1.0 / 3.0;
+    const double modulus = std::sqrt(cube.real * cube.real + cube.imaginary * cube.imaginary);
+    const double size = std::pow(modulus, third);
+    ComplexRoot u;
     ComplexRoot v;
-    if (std::sqrt(u.real * u.real + u.imaginary * u.imaginary) > kNegligible) {
+    if (size > kNegligible) {
+        const double angle = std::atan2(cube.imaginary, cube.real) * third;
+        u = {size * std::cos(angle), size * std::sin(angle)};
         // v = -p / 3 u, multiplied out with the conjugate.
         const ComplexRoot w{3.0 * u.real, 3.0 * u.imaginary};
         const double square = w.real * w.real + w.imaginary * w.imaginary;
         v = {-p * w.real / square, p * w.imaginary / square};
-    } else {
-        u = {};
     }
     const ComplexRoot turnedU = TurnedByThird(u, kHalfRootThree);
     const ComplexRoot turnedV = TurnedByThird(v, kHalfRootThree);
@@ -79,8 +74,6 @@ void CubicRoots(const double* c, std::span<ComplexRoot, 3> roots)
     roots[1] = {turnedU.real + backV.real + shift, turnedU.imaginary + backV.imaginary};
     roots[2] = {backU.real + turnedV.real + shift, backU.imaginary + turnedV.imaginary};
 }
-
-} // namespace
 
 int PolynomialRoots(std::span<const double> coefficients, std::span<ComplexRoot, 3> roots)
 {
@@ -95,7 +88,8 @@ int PolynomialRoots(std::span<const double> coefficients, std::span<ComplexRoot,
     else if (degree == 2)
         QuadraticRoots(coefficients.data(), roots);
     else
-        CubicRoots(coefficients.data(), roots);
+        MonicCubicRoots(coefficients[0] / coefficients[3], coefficients[1] / coefficients[3],
+                        coefficients[2] / coefficients[3], roots);
     return static_cast<int>(degree);
 }
 

@@ -26,7 +26,12 @@ struct ComplexRoot
 ///
 /// 0, and nothing written, for degree 0 and for a degree above 3. `roots` has room for three.
 /// Double roots come out with half the digits. A complex pair may lose all of them: for q > 0 and a
-/// small p the difference s - q cancels (x^3 + 8 gives three zeros). Callers look for real roots. Non-finite coefficients give non-finite roots.
+/// small p the difference s - q cancels (x^3 + 8 gives three zeros). Callers look for real roots.
+/// Non-finite coefficients give non-finite roots.
 int PolynomialRoots(std::span<const double> coefficients, std::span<ComplexRoot, 3> roots);
+
+/// The three roots of b0 + b1 x + b2 x^2 + x^3, as above for degree 3. A caller whose leading
+/// coefficient is -1 passes the others negated, which is what dividing by it gives.
+void MonicCubicRoots(double b0, double b1, double b2, std::span<ComplexRoot, 3> roots);
 
 } // namespace Norvek::Math::Core

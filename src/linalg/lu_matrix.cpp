@@ -48,14 +48,19 @@ bool MLUMatrix::SolveLUxy(double* const b) const
     }
     Norvek::Math::Core::SubstituteForwards(lu, n, stride, b);
 
+    // The newest value stays in a register: every row begins its sum with it.
+    double newest = 0.0;
     for (std::size_t i = n; i-- > 0;) {
         const double* const row = lu + i * stride;
         if (std::abs(row[i]) < kMachineEpsilon)
             return false;
         double sum = 0.0;
-        for (std::size_t j = i + 1; j < n; ++j)
+        if (i + 1 < n)
+            sum += row[i + 1] * newest;
+        for (std::size_t j = i + 2; j < n; ++j)
             sum += row[j] * b[j];
-        b[i] = (b[i] - sum) / row[i];
+        newest = (b[i] - sum) / row[i];
+        b[i] = newest;
     }
     return true;
 }

@@ -98,7 +98,12 @@ double MMatrix3x3::Trace() const
 
 double MMatrix3x3::GetMaxEntry() const
 {
-    return *std::max_element(&_a[0][0], &_a[0][0] + 9);
+    double largest = _a[0][0];
+    for (const auto& row : _a) {
+        for (const double value : row)
+            largest = std::max(largest, value);
+    }
+    return largest;
 }
 
 void MMatrix3x3::TransposeSquare(MMatrix3x3& result) const

@@ -34,16 +34,14 @@ bool MMatrix3x3::GetEigenValues(double* const values) const
     const double minors = (_a[1][1] * _a[2][2] - _a[1][2] * _a[2][1]) +
                           (_a[2][2] * _a[0][0] - _a[2][0] * _a[0][2]) +
                           (_a[0][0] * _a[1][1] - _a[0][1] * _a[1][0]);
-    const double coefficients[4]{Determinant(), -minors, Trace(), -1.0};
+    // det - minors x + trace x^2 - x^3, divided by -1.
     ComplexRoot roots[3];
-    Norvek::Math::Core::PolynomialRoots(coefficients, roots);
+    Norvek::Math::Core::MonicCubicRoots(-Determinant(), minors, -Trace(), roots);
     const double tolerance = GetMaxEntry() * kEigenImaginary;
-    bool real = true;
-    for (int k = 0; k < 3; ++k) {
+    for (int k = 0; k < 3; ++k)
         values[k] = roots[k].real;
-        real = real && std::abs(roots[k].imaginary) <= tolerance;
-    }
-    return real;
+    return std::abs(roots[0].imaginary) <= tolerance && std::abs(roots[1].imaginary) <= tolerance &&
+           std::abs(roots[2].imaginary) <= tolerance;
 }
 
 bool MMatrix3x3::GetRightSingular(MMPoint3d<double>& v) const

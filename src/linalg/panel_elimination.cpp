@@ -18,6 +18,13 @@ namespace
 // 0 only an exact zero is singular.
 constexpr double kSingularPerStep = 3.0;
 
+// Matrices up to this many columns are worked column by column, each element in a register: rows as
+// short as that would only wait for their own stores.
+constexpr std::size_t kByColumns = 6;
+
+// Triangular systems up to this order are solved row by row.
+constexpr std::size_t kOneByOne = 16;
+
 // Matrices up to this many columns are one panel: packing would cost more than it saves.
 constexpr std::size_t kOnePanel = 72;
 
@@ -29,6 +36,115 @@ constexpr std::size_t kStrip = 64;
 constexpr std::size_t kTileRows = 4;
 constexpr std::size_t kTileColumns = 4;
 
+double* RowOf(double* values, std::size_t columns, std::size_t i)
+{
+    return values + i * columns;
+}
+
+bool IsSingular(double pivot, std::size_t step)
+{
+    return std::abs(pivot) <= static_cast<double>(step) * kSingularPerStep * kMachineEpsilon;
+}
+
+// Brings the row with the largest magnitude in column k, among the rows up to `end`, to row k; a
+// tie keeps the upper row. Returns the row that was exchanged with it.
+unsigned int Exchange(double* values, std::size_t end, std::size_t columns, std::size_t k)
+{
+    std::size_t p = k;
+    double largest = std::abs(RowOf(values, columns, k)[k]);
+    for (std::size_t i = k + 1; i < end; ++i) {
+        const double candidate = std::abs(RowOf(values, columns, i)[k]);
+        if (largest < candidate) {
+            largest = candidate;
+            p = i;
+        }
+    }
+    if (p != k) {
+        double* const row = RowOf(values, columns, p);
+        std::swap_ranges(row, row + columns, RowOf(values, columns, k));
+    }
+    return static_cast<unsigned int>(p);
+}
+
+// Step k in all rows below, in the columns up to `lastColumn`.
+void EliminateColumn(double* values, std::size_t rows, std::size_t columns, std::size_t k,
+                     std::size_t lastColumn)
+{
+    const double* const pivotRow = RowOf(values, columns, k);
+    const double pivot = pivotRow[k];
+    for (std::size_t i = k + 1; i < rows; ++i) {
+        double* const row = RowOf(values, columns, i);
+        const double factor = row[k] / pivot;
+        row[k] = factor;
+        for (std::size_t j = k + 1; j < lastColumn; ++j)
+            row[j] -= factor * pivotRow[j];
+    }
+}
+
+// Brings column j up to date with the steps before it, each element taking them in ascending order.
+void UpdateColumn(double* values, std::size_t rows, std::size_t columns, std::size_t j)
+{
+    for (std::size_t i = 1; i < rows; ++i) {
+        double* const row = RowOf(values, columns, i);
+        const double* upper = values + j;
+        const std::size_t steps = std::min(i, j);
+        double rest = row[j];
+        for (std::size_t k = 0; k < steps; ++k, upper += columns)
+            rest -= row[k] * *upper;
+        row[j] = rest;
+    }
+}
+
+// The same where some steps were passed over.
+void UpdateColumn(double* values, std::size_t rows, std::size_t columns, std::size_t j,
+                  const bool* active)
+{
+    for (std::size_t i = 1; i < rows; ++i) {
+        double* const row = RowOf(values, columns, i);
+        for (std::size_t k = 0; k < std::min(i, j); ++k) {
+            if (active[k])
+                row[j] -= row[k] * values[k * columns + j];
+        }
+    }
+}
+
+bool EliminateByColumns(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
+{
+    const std::size_t steps = std::min(rows, columns);
+    bool active[kByColumns]{};
+    bool regular = true;
+    for (std::size_t j = 0; j < columns; ++j) {
+        if (regular)
+            UpdateColumn(values, rows, columns, j);
+        else
+            UpdateColumn(values, rows, columns, j, active);
+        if (j >= steps)
+            continue;
+        pivot[j] = Exchange(values, steps, columns, j);
+        const double diagonal = values[j * columns + j];
+        active[j] = !IsSingular(diagonal, j);
+        regular = regular && active[j];
+        for (std::size_t i = j + 1; active[j] && i < rows; ++i)
+            values[i * columns + j] /= diagonal;
+    }
+    return regular;
+}
+
+bool EliminateOnePanel(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
+{
+    const std::size_t steps = std::min(rows, columns);
+    bool regular = true;
+    for (std::size_t k = 0; k < steps; ++k) {
+        pivot[k] = Exchange(values, steps, columns, k);
+        if (IsSingular(RowOf(values, columns, k)[k], k))
+            regular = false;
+        else
+            EliminateColumn(values, rows, columns, k, columns);
+    }
+    return regular;
+}
+
+// The same for a matrix of many columns.
 class Elimination
 {
 public:
@@ -37,7 +153,9 @@ public:
           _rows(rows),
           _columns(columns),
           _steps(std::min(rows, columns)),
-          _pivot(pivot)
+          _pivot(pivot),
+          _upper(kPanel * kStrip),
+          _lower(kPanel * kTileRows * 2)
     {}
 
     bool Run();
@@ -45,12 +163,10 @@ public:
 private:
     double* Row(std::size_t i)
     {
-        return _values + i * _columns;
+        return RowOf(_values, _columns, i);
     }
 
-    void Exchange(std::size_t k);
-    void EliminatePanel(std::size_t begin, std::size_t end, std::size_t lastColumn);
-    void EliminateColumn(std::size_t k, std::size_t lastColumn);
+    void EliminatePanel(std::size_t begin, std::size_t end);
     void UpdateStrip(std::size_t end, std::size_t first, std::size_t width);
     void PackUpper(std::size_t first, std::size_t width);
     void PackLower(std::size_t i, std::size_t height);
@@ -73,69 +189,26 @@ private:
 
 bool Elimination::Run()
 {
-    for (std::size_t k = _steps; k < _rows; ++k)
-        _pivot[k] = static_cast<unsigned int>(k);
-    if (_columns <= kOnePanel) {
-        for (std::size_t k = 0; k < _steps; ++k) {
-            Exchange(k);
-            if (std::abs(Row(k)[k]) <= static_cast<double>(k) * kSingularPerStep * kMachineEpsilon)
-                _regular = false;
-            else
-                EliminateColumn(k, _columns);
-        }
-        return _regular;
-    }
-    _upper.resize(kPanel * kStrip);
-    _lower.resize(kPanel * kTileRows * 2);
     for (std::size_t begin = 0; begin < _steps; begin += kPanel) {
         const std::size_t end = std::min(begin + kPanel, _steps);
-        EliminatePanel(begin, end, end);
+        EliminatePanel(begin, end);
         for (std::size_t first = end; first < _columns; first += kStrip)
             UpdateStrip(end, first, std::min(kStrip, _columns - first));
     }
     return _regular;
 }
 
-// Brings the row with the largest magnitude in column k to row k; a tie keeps the upper row.
-void Elimination::Exchange(std::size_t k)
-{
-    std::size_t p = k;
-    double largest = std::abs(Row(k)[k]);
-    for (std::size_t i = k + 1; i < _steps; ++i) {
-        const double candidate = std::abs(Row(i)[k]);
-        if (largest < candidate) {
-            largest = candidate;
-            p = i;
-        }
-    }
-    if (p != k)
-        std::swap_ranges(Row(p), Row(p) + _columns, Row(k));
-    _pivot[k] = static_cast<unsigned int>(p);
-}
-
-void Elimination::EliminatePanel(std::size_t begin, std::size_t end, std::size_t lastColumn)
+void Elimination::EliminatePanel(std::size_t begin, std::size_t end)
 {
     _activeCount = 0;
     for (std::size_t k = begin; k < end; ++k) {
-        Exchange(k);
-        if (std::abs(Row(k)[k]) <= static_cast<double>(k) * kSingularPerStep * kMachineEpsilon) {
+        _pivot[k] = Exchange(_values, _steps, _columns, k);
+        if (IsSingular(Row(k)[k], k)) {
             _regular = false;
             continue;
         }
         _active[_activeCount++] = k;
-        EliminateColumn(k, lastColumn);
-    }
-}
-
-void Elimination::EliminateColumn(std::size_t k, std::size_t lastColumn)
-{
-    const double* const pivotRow = Row(k);
-    for (std::size_t i = k + 1; i < _rows; ++i) {
-        double* const row = Row(i);
-        row[k] /= pivotRow[k];
-        const double factor = row[k];
-        for (std::size_t j = k + 1; j < lastColumn; ++j)
-            row[j] -= factor * pivotRow[j];
+        EliminateColumn(_values, _rows, _columns, k, end);
     }
 }
 
@@ -229,14 +302,20 @@ void Elimination::UpdateTile(std::size_t i, std::size_t height, std::size_t colu
 
 bool Eliminate(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
 {
+    for (std::size_t k = columns; k < rows; ++k)
+        pivot[k] = static_cast<unsigned int>(k);
+    if (columns <= kByColumns)
+        return EliminateByColumns(values, rows, columns, pivot);
+    if (columns <= kOnePanel)
+        return EliminateOnePanel(values, rows, columns, pivot);
     return Elimination(values, rows, columns, pivot).Run();
 }
 
 void SubstituteForwards(const double* values, std::size_t n, std::size_t stride, double* b)
 {
-    // Four rows at a time, so that their chains of subtractions overlap.
     std::size_t i = 0;
-    for (; i + 4 <= n; i += 4) {
+    // Four rows at a time, so that their chains of subtractions overlap.
+    for (; n > kOneByOne && i + 4 <= n; i += 4) {
         const double* const row = values + i * stride;
         double rest[4]{b[i], b[i + 1], b[i + 2], b[i + 3]};
         for (std::size_t k = 0; k < i; ++k) {
@@ -249,9 +328,17 @@ void SubstituteForwards(const double* values, std::size_t n, std::size_t stride,
         }
         std::copy_n(rest, 4, b + i);
     }
+    // The newest value, which comes last in the next row, stays in a register.
+    double newest = i > 0 ? b[i - 1] : 0.0;
     for (; i < n; ++i) {
-        for (std::size_t k = 0; k < i; ++k)
-            b[i] -= values[i * stride + k] * b[k];
+        const double* const row = values + i * stride;
+        double rest = b[i];
+        for (std::size_t k = 0; k + 1 < i; ++k)
+            rest -= row[k] * b[k];
+        if (i > 0)
+            rest -= row[i - 1] * newest;
+        newest = rest;
+        b[i] = rest;
     }
 }
 

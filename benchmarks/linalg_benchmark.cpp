@@ -1,0 +1,82 @@
+// Matrices: eigenvalues and eigenvectors of 3x3, and the factorisations with their solvers.
+
+#include "support/linalg_inputs.h"
+
+#include <norvek/linalg/lu_matrix.h>
+#include <norvek/linalg/matrix3x3.h>
+
+#include <benchmark/benchmark.h>
+
+#include <algorithm>
+
+namespace
+{
+
+MGeneralMatrix RandomMatrix(unsigned int rows, unsigned int columns)
+{
+    const auto values = norvek_benchmark::RandomValues(std::size_t{rows} * columns);
+    auto* const array = new double[values.size()];
+    std::copy(values.begin(), values.end(), array);
+    return {rows, columns, array};
+}
+
+void BM_Eigen3x3(benchmark::State& state)
+{
+    const auto inputs = norvek_benchmark::ScatterMatrices(1000);
+    std::vector<MMatrix3x3> matrices(inputs.size());
+    for (std::size_t m = 0; m < inputs.size(); ++m) {
+        for (unsigned int i = 0; i < 9; ++i)
+            matrices[m].Element(i / 3, i % 3) = inputs[m][i];
+    }
+    for (auto _ : state) {
+        for (const MMatrix3x3& matrix : matrices) {
+            double values[3];
+            MMPoint3d<double> vectors[3];
+            matrix.GetEigenValues(values);
+            matrix.GetEigenVectors(vectors, values);
+            benchmark::DoNotOptimize(values);
+            benchmark::DoNotOptimize(vectors);
+        }
+    }
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(matrices.size()));
+}
+BENCHMARK(BM_Eigen3x3);
+
+void BM_LUSolve(benchmark::State& state)
+{
+    const auto n = static_cast<unsigned int>(state.range(0));
+    const MGeneralMatrix a = RandomMatrix(n, n);
+    const auto right = norvek_benchmark::RandomValues(n);
+    for (auto _ : state) {
+        MGeneralMatrix work(a);
+        MLUMatrix lu;
+        std::vector<double> x(right);
+        benchmark::DoNotOptimize(work.FactoriseLU(lu));
+        benchmark::DoNotOptimize(lu.SolveLUxy(x.data()));
+        benchmark::DoNotOptimize(x.data());
+    }
+}
+BENCHMARK(BM_LUSolve)->Arg(4)->Arg(10)->Arg(50)->Arg(200)->Arg(500);
+
+void BM_QRLeastSquares(benchmark::State& state)
+{
+    const auto n = static_cast<unsigned int>(state.range(0));
+    const auto m = static_cast<unsigned int>(state.range(1));
+    const MGeneralMatrix a = RandomMatrix(m, n);
+    auto right = norvek_benchmark::RandomValues(m);
+    for (auto _ : state) {
+        std::vector<double> x(n);
+        benchmark::DoNotOptimize(a.SolveLeastSquare(right.data(), x.data()));
+        benchmark::DoNotOptimize(x.data());
+    }
+}
+BENCHMARK(BM_QRLeastSquares)
+    ->Args({4, 4})
+    ->Args({10, 10})
+    ->Args({50, 50})
+    ->Args({200, 200})
+    ->Args({500, 500})
+    ->Args({10, 20})
+    ->Args({200, 400});
+
+} // namespace
