@@ -19,6 +19,7 @@ M3dBorder<Coord, Payload, Contour>::~M3dBorder()
     MakeEmpty();
 }
 
+// The old contours go first: were they the last users of a pool, its blocks serve the new ones.
 template <class Coord, class Payload, class Contour>
 M3dBorder<Coord, Payload, Contour>&
 M3dBorder<Coord, Payload, Contour>::operator=(const M3dBorder& other)
@@ -63,6 +64,8 @@ Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtEnd(Contour* contour)
     return AddContourAfter(contour, _lastContour);
 }
 
+// The two ways to link a contour in; all others come down to them. Neither can fail, so that a
+// contour once handed over is never without an owner.
 template <class Coord, class Payload, class Contour>
 Contour* M3dBorder<Coord, Payload, Contour>::AddContourAtFront(Contour* contour)
 {
@@ -96,6 +99,7 @@ std::unique_ptr<Contour> M3dBorder<Coord, Payload, Contour>::RemoveFirstContour(
     return RemoveContour(_firstContour);
 }
 
+// The only place where a contour leaves the list.
 template <class Coord, class Payload, class Contour>
 std::unique_ptr<Contour> M3dBorder<Coord, Payload, Contour>::RemoveContour(Contour* contour)
 {
@@ -112,6 +116,7 @@ std::unique_ptr<Contour> M3dBorder<Coord, Payload, Contour>::RemoveContour(Conto
 template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::RemoveEmptyContours()
 {
+    // The successor is read first: the contour may be gone afterwards.
     for (Contour* contour = _firstContour; contour != nullptr;) {
         Contour* const next = contour->GetNextContour();
         if (contour->GetNumPoints() == 0)
@@ -179,6 +184,7 @@ void M3dBorder<Coord, Payload, Contour>::AdjustTurningSenseToOuterContourParamet
 template <class Coord, class Payload, class Contour>
 std::uint32_t M3dBorder<Coord, Payload, Contour>::GetNumPoints() const
 {
+    // Counted wide, so that the sum stays at the limit instead of wrapping.
     std::uint64_t count = 0;
     for (const Contour& contour : *this)
         count += contour.GetNumPoints();
@@ -228,6 +234,7 @@ Contour* M3dBorder<Coord, Payload, Contour>::_CreateNewContour()
     return std::make_unique<Contour>(_GetPool()).release();
 }
 
+// An empty pointer makes the contour to come create a pool, which all later ones then share.
 template <class Coord, class Payload, class Contour>
 typename M3dBorder<Coord, Payload, Contour>::PoolPointer
 M3dBorder<Coord, Payload, Contour>::_GetPool() const
@@ -235,6 +242,7 @@ M3dBorder<Coord, Payload, Contour>::_GetPool() const
     return _firstContour != nullptr ? _firstContour->GetPool() : PoolPointer();
 }
 
+// The four borders of the library.
 template class M3dBorder<std::int32_t, void*>;
 template class M3dBorder<float, float>;
 template class M3dBorder<double, void*>;

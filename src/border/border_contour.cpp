@@ -6,6 +6,7 @@ namespace
 {
 
 template <class Point>
+// Exact, and without the payload: a repeated point is one at the very same place.
 bool AreAtSamePlace(const Point& a, const Point& b)
 {
     return a.x == b.x && a.y == b.y;
@@ -65,6 +66,7 @@ template <class Coord, class Payload, class Point, class Contour>
 M3dBorderContourBase<Coord, Payload, Point, Contour>&
 M3dBorderContourBase<Coord, Payload, Point, Contour>::operator=(const M3dBorderContourBase& other)
 {
+    // Emptying first would empty the source as well.
     if (this == &other)
         return *this;
     MakeEmpty();
@@ -112,6 +114,7 @@ void M3dBorderContourBase<Coord, Payload, Point, Contour>::RemoveDoublePoints()
     }
 }
 
+// Counted, since the links change under the walk: what was `next` is `previous` after the exchange.
 template <class Coord, class Payload, class Point, class Contour>
 void M3dBorderContourBase<Coord, Payload, Point, Contour>::Invert()
 {
@@ -204,6 +207,8 @@ Point* M3dBorderContourBase<Coord, Payload, Point, Contour>::_Splice(M3dBorderCo
 {
     if (this == &other || other._firstPoint == nullptr)
         return nullptr;
+    // A record must go back to the pool it came from, so it cannot change pools. All copies are
+    // made before anything is given back: running out of memory changes neither contour.
     if (_pool != other._pool) {
         M3dBorderContourBase copies(_pool);
         copies._AppendCopies(other);

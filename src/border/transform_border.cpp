@@ -7,6 +7,7 @@ void TransformBorder(M3dBorder<Coord, Payload>& border, const MMTransformMatrix&
 {
     for (auto& contour : border) {
         for (auto& point : contour)
+            // The payload is the z coordinate; all three are written back rounded to float.
             matrix.Transform(point.x, point.y, point.payload, false);
     }
 }

@@ -98,7 +98,7 @@ TEST(Border, CopiesIntoAPoolOfItsOwnAndCreatesThroughTheOverride)
     EXPECT_EQ(other.GetLastContour()->GetFirstPoint()->index, 4U);
 }
 
-// The rules of one edge as they are described; the library walks over silent edges.
+// The rules of one edge as documented; the library walks over silent edges.
 template <class Border>
 char PlainPosition(const Border& border, double x, double y)
 {

@@ -19,7 +19,7 @@ using Points = ::testing::Types<M3dBorderPoint<std::int32_t, void*>, M3dBorderPo
                                 M3dBorderPoint<double, void*>, M3dBorderPoint<double, MStlPoint*>>;
 TYPED_TEST_SUITE(Pool, Points);
 
-// The described hand-out order over record numbers instead of memory.
+// The documented hand-out order over record numbers instead of memory.
 struct PoolModel
 {
     std::uint32_t perBlock;
@@ -49,7 +49,7 @@ struct PoolModel
     }
 };
 
-TYPED_TEST(Pool, HandsOutInTheDescribedOrder)
+TYPED_TEST(Pool, HandsOutInTheDocumentedOrder)
 {
     norvek_test::Random random(701);
     MCyclicMemoryPool<TypeParam> pool;

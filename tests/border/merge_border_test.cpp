@@ -33,7 +33,7 @@ const Contour::PointType& Last(Contour& contour)
     return *contour.GetFirstPoint()->previous;
 }
 
-// Both joins, and the merge that tries one contour after another, read as they are described.
+// Both joins, and the merge that tries one contour after another, step by step as documented.
 bool JoinEnd(Contour& t, Contour& c)
 {
     if (!AreOpen(t, c))

@@ -18,12 +18,19 @@ template <class Coord, class Payload, class Contour = M3dBorderContour<Coord, Pa
 class NORVEK_MATH_API M3dBorder
 {
 public:
+    /// The type of x and y.
     using CoordinateType = Coord;
+    /// The type of the payload.
     using PayloadType = Payload;
+    /// The class of the contours.
     using ContourType = Contour;
+    /// The record of a point.
     using PointType = typename Contour::PointType;
+    /// Shared ownership of a pool of points.
     using PoolPointer = typename Contour::PoolPointer;
+    /// Walks the contours from the first to the last.
     using iterator = BaseM3dBorderIterator<M3dBorder, Contour>;
+    /// The same over a const border.
     using const_iterator = BaseM3dBorderIterator<const M3dBorder, const Contour>;
 
     /// An empty border.
@@ -102,53 +109,61 @@ public:
         return {begin(), end()};
     }
 
+    /// As above.
     boost::iterator_range<const_iterator> Contours() const
     {
         return {begin(), end()};
     }
 
+    /// The first contour, or the end.
     iterator begin()
     {
         return {_firstContour, this};
     }
 
+    /// As above.
     const_iterator begin() const
     {
         return {_firstContour, this};
     }
 
+    /// Behind the last contour.
     iterator end()
     {
         return {nullptr, this};
     }
 
+    /// As above.
     const_iterator end() const
     {
         return {nullptr, this};
     }
 
-    /// Null in an empty border.
+    /// The first contour, null in an empty border.
     Contour* GetFirstContour()
     {
         return _firstContour;
     }
 
+    /// As above.
     const Contour* GetFirstContour() const
     {
         return _firstContour;
     }
 
-    /// Null in an empty border.
+    /// The last contour, null in an empty border.
     Contour* GetLastContour()
     {
         return _lastContour;
     }
 
+    /// As above.
     const Contour* GetLastContour() const
     {
         return _lastContour;
     }
 
+    /// The number of contours, empty ones included.
     [[nodiscard]] std::uint32_t GetNumContours() const
     {
         return _numContours;

@@ -4,7 +4,11 @@
 
 #include <utility>
 
-/// The contour of the library's borders: the ring above and nothing more.
+/// The contour of the library's borders: the ring of `M3dBorderContourBase`, whose rules all hold
+/// here, and nothing more than its constructors and assignment.
+///
+/// Moving a contour is copying it: the points of the copy are new records, in the pool of the
+/// contour it was made from. To hand points over, insert the whole contour into another one.
 template <class Coord, class Payload, class Point = M3dBorderPoint<Coord, Payload>>
 class NORVEK_MATH_API M3dBorderContour
     : public M3dBorderContourBase<Coord, Payload, Point, M3dBorderContour<Coord, Payload, Point>>
@@ -37,6 +41,7 @@ public:
     }
 };
 
+// The four contours of the library, compiled once.
 extern template class NORVEK_MATH_API
     M3dBorderContourBase<std::int32_t, void*, M3dBorderPoint<std::int32_t, void*>,
                          M3dBorderContour<std::int32_t, void*>>;

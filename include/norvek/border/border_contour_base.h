@@ -30,14 +30,19 @@ template <class Coord, class Payload, class Point, class Contour>
 class NORVEK_MATH_API M3dBorderContourBase
 {
 public:
+    /// The type of x and y.
     using CoordinateType = Coord;
+    /// The type of the payload.
     using PayloadType = Payload;
+    /// The record of a point.
     using PointType = Point;
     /// The pool that the points come from.
     using PoolType = MCyclicMemoryPool<Point>;
     /// Shared ownership of a pool.
     using PoolPointer = boost::shared_ptr<PoolType>;
+    /// Walks the ring once, see `begin`.
     using iterator = M3dBorderContourIterator<Point, M3dBorderContourBase>;
+    /// The same over a const contour.
     using const_iterator = M3dBorderContourConstIterator<Point, M3dBorderContourBase>;
 
     /// An empty contour on the given pool, or on a new one when the pointer is empty. It is closed
@@ -167,11 +172,13 @@ public:
     /// Sets all indices to 0.
     void ResetIndices();
 
+    /// Whether the edge from the last point to the first counts. The ring itself does not change.
     void SetIsClosed(bool isClosed)
     {
         _isClosed = isClosed;
     }
 
+    /// Whether this is an outer contour (true) or the rim of a hole. The points do not change.
     void SetIsOuterContour(bool isOuterContour)
     {
         _isOuterContour = isOuterContour;
@@ -201,11 +208,13 @@ public:
         return _firstPoint;
     }
 
+    /// As above.
     const Point* GetFirstPoint() const
     {
         return _firstPoint;
     }
 
+    /// The number of points in the ring.
     [[nodiscard]] std::uint32_t GetNumPoints() const
     {
         return _numPoints;
@@ -223,21 +232,25 @@ public:
         return _isClosed;
     }
 
+    /// Whether this is an outer contour.
     [[nodiscard]] bool GetIsOuterContour() const
     {
         return _isOuterContour;
     }
 
+    /// The nesting depth, 0 unless it was set.
     [[nodiscard]] unsigned char GetOrder() const
     {
         return _order;
     }
 
+    /// The free marker, 0 unless it was set.
     [[nodiscard]] unsigned char GetStatus() const
     {
         return _status;
     }
 
+    /// The caller's datum, null unless it was set.
     [[nodiscard]] void* GetInfo() const
     {
         return _info;
@@ -249,6 +262,7 @@ public:
         return _nextContour;
     }
 
+    /// As above.
     const Contour* GetNextContour() const
     {
         return _nextContour;
@@ -260,6 +274,7 @@ public:
         return _previousContour;
     }
 
+    /// As above.
     const Contour* GetPreviousContour() const
     {
         return _previousContour;
@@ -277,16 +292,19 @@ public:
         return {_firstPoint, this};
     }
 
+    /// As above.
     const_iterator begin() const
     {
         return {_firstPoint, this};
     }
 
+    /// Behind the last point.
     iterator end()
     {
         return {nullptr, this};
     }
 
+    /// As above.
     const_iterator end() const
     {
         return {nullptr, this};
@@ -296,6 +314,7 @@ public:
     /// earliest in ring order, but a first point that repeats the end of the ring yields the copy
     /// that comes first when the ring is read through its end. Null in an empty contour.
     Point* LowestLeftmostPoint();
+    /// As above.
     const Point* LowestLeftmostPoint() const;
 
     /// Where (x, y) lies: 0 on a vertex or an edge, 1 inside, 2 outside or in an empty contour. An

@@ -27,6 +27,7 @@ class M3dBorderContourIterator
     using _Contour = std::conditional_t<std::is_const_v<Point>, const Contour, Contour>;
 
 public:
+    /// The types that the iterator concepts ask for.
     using iterator_category = std::bidirectional_iterator_tag;
     using value_type = std::remove_const_t<Point>;
     using difference_type = std::ptrdiff_t;
@@ -116,6 +117,7 @@ class BaseM3dBorderIterator
     static_assert(std::is_const_v<Border> == std::is_const_v<Contour>);
 
 public:
+    /// The types that the iterator concepts ask for.
     using iterator_category = std::bidirectional_iterator_tag;
     using value_type = std::remove_const_t<Contour>;
     using difference_type = std::ptrdiff_t;

@@ -28,6 +28,7 @@ public:
     /// An empty pool, without a block.
     MCyclicMemoryPool();
 
+    /// A pool is shared, never copied.
     MCyclicMemoryPool(const MCyclicMemoryPool&) = delete;
     MCyclicMemoryPool& operator=(const MCyclicMemoryPool&) = delete;
 
