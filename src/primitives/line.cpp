@@ -44,6 +44,7 @@ bool MMLine::IsParallel(const MMLine& other, double tolerance) const
     return SafeLength(GetDirection().Cross(other.GetDirection())) < tolerance;
 }
 
+// Both tests hold at the ends of the segment, which belong to it.
 bool MMLine::IsPointOnLine(const MMPoint3d<double>& point, bool segment, double tolerance) const
 {
     const MMPoint3d<double> direction = GetDirection();
@@ -54,6 +55,7 @@ bool MMLine::IsPointOnLine(const MMPoint3d<double>& point, bool segment, double 
     return !segment || offset.Dot(point - _second) <= 0.0;
 }
 
+// Both feet are found before either is written, because `out` may be one of the lines.
 bool MMLine::GetCommonPerpendicularLine(const MMLine& other, MMLine& out, double tolerance) const
 {
     if (IsParallel(other, tolerance))
@@ -72,6 +74,7 @@ bool MMLine::GetCommonPerpendicularLine(const MMLine& other, MMLine& out, double
     return true;
 }
 
+// The point is the foot on the other line, not the middle: which line asks makes a difference.
 bool MMLine::GetIntersectionPoint(const MMLine& other, MMPoint3d<double>& out, double tolerance,
                                   bool segments) const
 {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 
+// The axis of the largest component meets the plane nearest to the origin among the three.
 MMPlane::MMPlane(const MMPlaneEq<double>& equation) : _normal(equation.GetNormal())
 {
     const double x = std::abs(_normal.x);
@@ -25,12 +26,15 @@ MMPlaneEq<double> MMPlane::GetPlaneEqDouble() const
     return MMPlaneEq<double>(_origin, _normal);
 }
 
+// The sum of magnitudes, not the length, of the cross product, and of normals of any length: meant.
 bool MMPlane::IsParallel(const MMPlane& other, double tolerance) const
 {
     const MMPoint3d<double> cross = _normal.Cross(other._normal);
     return std::abs(cross.x) + std::abs(cross.y) + std::abs(cross.z) < tolerance;
 }
 
+// Near a right angle the arc cosine is exact to rounding. Without normal or direction there is no
+// angle; such pairs count as parallel, as they do in every other test of this family.
 bool MMPlane::IsParallel(const MMLine& line, double tolerance) const
 {
     const double dot = _normal.Dot(line.GetDirection());

@@ -53,6 +53,7 @@ void MMPlaneEq<T>::Normalise()
     _d /= length;
 }
 
+// Changes signs only; a normal that is not of unit length stays so.
 template <class T>
 void MMPlaneEq<T>::Invert()
 {
@@ -60,6 +61,7 @@ void MMPlaneEq<T>::Invert()
     _d = -_d;
 }
 
+// Keeping the offset mirrors the plane through the origin: meant, unlike Invert.
 template <class T>
 void MMPlaneEq<T>::InvertNormal()
 {
@@ -106,6 +108,7 @@ bool MMPlaneEq<T>::On(const MMPoint3d<T>& point, T tolerance) const
     return std::abs(Distance(point)) < tolerance;
 }
 
+// Divides by the squared length, so that coefficients written directly do no harm here.
 template <class T>
 T MMPlaneEq<T>::Project(MMPoint3d<T>& out, const MMPoint3d<T>& point) const
 {

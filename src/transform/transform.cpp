@@ -135,6 +135,8 @@ bool MMTransform::InverseTransform(double* point, bool isDirection) const
                                                      point[1], point[2], isDirection);
 }
 
+// The array starts at zero, so that a kind without a matrix does not hand out what was on the
+// stack.
 bool MMTransform::ConvertToDouble16(double* matrix) const
 {
     float narrow[16] = {};
@@ -155,6 +157,7 @@ bool MMTransform::Transform(std::vector<MMPoint3d<double>>& out,
     return true;
 }
 
+// Always true: a point without an image stays where it is, and the others still count.
 bool MMTransform::Transform(std::vector<MMPoint3d<double>>& points) const
 {
     for (MMPoint3d<double>& point : points)
@@ -162,6 +165,7 @@ bool MMTransform::Transform(std::vector<MMPoint3d<double>>& points) const
     return true;
 }
 
+// Not through the virtual form in double, which a derived class may have replaced.
 MMPoint3d<float> MMTransform::operator()(const MMPoint3d<float>& point, bool isDirection)
 {
     return MMPoint3d<float>(MMTransform::operator()(MMPoint3d<double>(point), isDirection));
@@ -175,6 +179,8 @@ MMPoint3d<double> MMTransform::operator()(const MMPoint3d<double>& point, bool i
     return result;
 }
 
+// Nothing is written before the last corner is through, so the outputs may be the inputs. The
+// strict comparisons let a NaN pass by, and keep the extreme floats where nothing else came.
 bool MMTransform::TransformBoundingBox(float& outMinX, float& outMaxX, float& outMinY,
                                        float& outMaxY, float& outMinZ, float& outMaxZ, float minX,
                                        float maxX, float minY, float maxY, float minZ,

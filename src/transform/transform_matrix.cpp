@@ -40,6 +40,7 @@ bool MMTransformMatrix::_LoadRows(const double (&rows)[12])
     return _Close();
 }
 
+// The source may be the matrix itself, shifted by a row or so: copied before anything is written.
 void MMTransformMatrix::MakeFromDouble16(const double* rows)
 {
     Matrix4 loaded;
@@ -68,6 +69,7 @@ void MMTransformMatrix::MakeFromFloat12(const float* rows)
     _LoadRows(loaded);
 }
 
+// Flags and kind stay: the inverse of each kind is of the same kind.
 bool MMTransformMatrix::Invert()
 {
     if (!_invertible)
@@ -125,12 +127,15 @@ bool MMTransformMatrix::Keeps2DOrientation() const
     return _matrix[2][2] > 0.0;
 }
 
+// Strictly below the tolerance, so that a NaN element, or infinities that agree, count as
+// different.
 bool MMTransformMatrix::_Equal(const MMTransformMatrix& other) const
 {
     return std::equal(_matrix[0], _matrix[0] + 16, other._matrix[0],
                       [](double a, double b) { return std::abs(a - b) < kMatrixEqualTolerance; });
 }
 
+// Translation and bottom row play no part: this is the factor by which volumes grow.
 double MMTransformMatrix::Determinant() const
 {
     const Matrix4& m = _matrix;

@@ -11,6 +11,7 @@ using namespace Norvek::Math::Core;
 namespace
 {
 
+// Exact: a bottom row that is off by rounding makes the matrix homogeneous, and its points divided.
 bool HasAffineBottomRow(const Matrix4& m)
 {
     return m[3][0] == 0.0 && m[3][1] == 0.0 && m[3][2] == 0.0 && m[3][3] == 1.0;
@@ -48,6 +49,8 @@ bool HasOrthogonalColumns(const Matrix4& m, double tolerance)
            std::abs(DotColumns(m, 1, 2)) < tolerance;
 }
 
+// Squared lengths are compared with 1, which doubles the relative error of the lengths. The sign of
+// the determinant is not looked at: the transpose inverts a mirrored rotation as well.
 bool IsRotationMatrix(const Matrix4& m)
 {
     for (int i = 0; i < 3; ++i) {
@@ -129,6 +132,8 @@ bool MMTransformMatrix::IsOrthoGonal() const
            _class == MMTransformMatrixClass::Scale1D || IsOrthoNormal();
 }
 
+// By the cached kind, not by the elements: a matrix whose elements were set by hand answers as
+// before.
 double MMTransformMatrix::GetScale() const
 {
     if (!IsScale1D())

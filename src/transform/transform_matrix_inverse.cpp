@@ -13,6 +13,7 @@ bool MMTransformMatrix::ComputeInverse()
     return _ComputeInverse();
 }
 
+// Each step is virtual, so that a derived class can replace the inverse of one kind.
 bool MMTransformMatrix::_ComputeInverse()
 {
     switch (_class) {
@@ -55,6 +56,8 @@ bool MMTransformMatrix::_ComputeInverseTranslation()
     return true;
 }
 
+// The transpose, and -Rt t: each component is minus the dot product of a column with the
+// translation.
 bool MMTransformMatrix::_ComputeInverseOrthoNormal()
 {
     const Matrix4& m = _matrix;
@@ -94,6 +97,7 @@ bool MMTransformMatrix::_ComputeInverseScale1D()
     return true;
 }
 
+// Element (3, 3), which is 1 for this kind, is tested with the others and set to exactly 1.
 bool MMTransformMatrix::_ComputeInverseScale3D()
 {
     for (int i = 0; i < 4; ++i) {
@@ -106,6 +110,9 @@ bool MMTransformMatrix::_ComputeInverseScale3D()
     return true;
 }
 
+// Gauss-Jordan elimination on the matrix and the unit matrix side by side. Only an exactly zero
+// pivot fails; no tolerance could suit both millimetres and metres. The result is copied at the
+// very end, so that a failure leaves the old inverse.
 bool MMTransformMatrix::_ComputeInverseGeneral()
 {
     double work[4][8];
@@ -130,6 +137,7 @@ bool MMTransformMatrix::_ComputeInverseGeneral()
     return true;
 }
 
+// A later row replaces the candidate only when strictly larger: ties keep the order of the rows.
 int MMTransformMatrix::_InvertPivot(const double (&work)[4][8], int column)
 {
     int pivot = column;

@@ -32,6 +32,7 @@ bool MMTransformMatrix::MakeTranslation(const MMPoint3d<double>& translation)
                       0.0, 0.0, 1.0, translation.z});
 }
 
+// Nothing resets the inverse: what _ComputeInverseScale1D does not write stays.
 bool MMTransformMatrix::MakeScale1D(double scale)
 {
     return MakeScale3D(scale, scale, scale);
@@ -73,6 +74,8 @@ bool MMTransformMatrix::MakeOrthoGraphicProjection(double a1, double a2, double 
 }
 
 // n and f are the near and far plane seen from the eye at z = a7.
+// The class and the inverse that the product leaves are computed anew at the end: the inverse it
+// started from belonged to the matrix before.
 bool MMTransformMatrix::MakePerspectiveProjection(double a1, double a2, double a3, double a4,
                                                   double a5, double a6, double a7)
 {

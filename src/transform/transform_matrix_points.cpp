@@ -11,6 +11,8 @@ using namespace Norvek::Math::Core;
 namespace
 {
 
+// A direction leaves out the last column, also of the bottom row, so its w can be 0 where that of a
+// position cannot. The coordinates are divided, not multiplied by a reciprocal.
 MMPoint3d<double> Image(const Matrix4& m, bool homogeneous, const MMPoint3d<double>& p,
                         bool isDirection)
 {
@@ -35,6 +37,7 @@ bool MMTransformMatrix::_Transform(MMPoint3d<double>& out, const MMPoint3d<doubl
     return true;
 }
 
+// The flag comes first: without an inverse not even the identity answers.
 bool MMTransformMatrix::_InverseTransform(MMPoint3d<double>& out, const MMPoint3d<double>& in,
                                           bool isDirection) const
 {
@@ -44,6 +47,7 @@ bool MMTransformMatrix::_InverseTransform(MMPoint3d<double>& out, const MMPoint3
     return true;
 }
 
+// Single coordinates neither ask for the identity nor divide: they are the bare rows.
 double MMTransformMatrix::TransformX(double x, double y, double z, bool isDirection) const
 {
     return RowTimesPoint(_matrix[0], x, y, z, isDirection);

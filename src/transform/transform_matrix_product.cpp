@@ -68,6 +68,7 @@ void MMTransformMatrix::AddTranslation(const float* translation)
     AddTranslation(MMPoint3d<double>(translation[0], translation[1], translation[2]));
 }
 
+// With both columns zero the product of the inverses gives exactly the inverse of the new matrix.
 void MMTransformMatrix::FillInTranslation(const MMPoint3d<double>& translation)
 {
     const MMPoint3d<double> wanted = translation;
@@ -93,6 +94,7 @@ void MMTransformMatrix::FillInTranslation(const float* translation)
     FillInTranslation(MMPoint3d<double>(translation[0], translation[1], translation[2]));
 }
 
+// Scaling by 0 leaves a matrix that could be of a simpler kind; it keeps its kind all the same.
 void MMTransformMatrix::ScaleTranslation(double factor)
 {
     for (int i = 0; i < 3; ++i) {

@@ -9,6 +9,7 @@
 
 using namespace Norvek::Math::Core;
 
+// All four columns turn, the translation with the rest: the rotation comes after the transform.
 void MMTransformMatrix::_Rotate(unsigned short axis, double degrees)
 {
     const double angle = DegreesToRadians(degrees);
@@ -24,6 +25,7 @@ void MMTransformMatrix::_Rotate(unsigned short axis, double degrees)
     }
 }
 
+// The arguments keep the order x, y, z in both; the names give the order of the turns.
 bool MMTransformMatrix::DoRotationXYZ(double ax, double ay, double az)
 {
     _Rotate(0, ax);

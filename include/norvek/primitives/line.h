@@ -18,20 +18,24 @@ public:
     /// Both points at the origin.
     MMLine() = default;
 
+    /// The line from `first` to `second`.
     MMLine(const MMPoint3d<double>& first, const MMPoint3d<double>& second)
         : _first(first),
           _second(second)
     {}
 
+    /// Copies take both points.
     MMLine(const MMLine&) = default;
     MMLine& operator=(const MMLine&) = default;
     virtual ~MMLine();
 
+    /// Moves the first point; the second stays.
     void SetPointFirst(const MMPoint3d<double>& point)
     {
         _first = point;
     }
 
+    /// Moves the second point; the first stays.
     void SetPointSecond(const MMPoint3d<double>& point)
     {
         _second = point;
@@ -43,11 +47,13 @@ public:
         std::swap(_first, _second);
     }
 
+    /// Where the segment starts.
     [[nodiscard]] const MMPoint3d<double>& GetPointFirst() const
     {
         return _first;
     }
 
+    /// Where the segment ends.
     [[nodiscard]] const MMPoint3d<double>& GetPointSecond() const
     {
         return _second;
@@ -59,6 +65,7 @@ public:
         return _first == other._first && _second == other._second;
     }
 
+    /// The negation of `==`.
     bool operator!=(const MMLine& other) const
     {
         return !(*this == other);

@@ -19,36 +19,43 @@ public:
     /// Both points at the origin.
     MMLine2D() = default;
 
+    /// The line from `first` to `second`.
     MMLine2D(const MMPoint2d<double>& first, const MMPoint2d<double>& second)
         : _first(first),
           _second(second)
     {}
 
+    /// Moves the first point; the second stays.
     void SetFirstPoint(const MMPoint2d<double>& point)
     {
         _first = point;
     }
 
+    /// Moves the second point; the first stays.
     void SetSecondPoint(const MMPoint2d<double>& point)
     {
         _second = point;
     }
 
+    /// Where the segment starts; writing through the reference is allowed.
     [[nodiscard]] MMPoint2d<double>& GetFirstPoint()
     {
         return _first;
     }
 
+    /// Where the segment starts.
     [[nodiscard]] const MMPoint2d<double>& GetFirstPoint() const
     {
         return _first;
     }
 
+    /// Where the segment ends; writing through the reference is allowed.
     [[nodiscard]] MMPoint2d<double>& GetSecondPoint()
     {
         return _second;
     }
 
+    /// Where the segment ends.
     [[nodiscard]] const MMPoint2d<double>& GetSecondPoint() const
     {
         return _second;

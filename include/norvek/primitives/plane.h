@@ -21,10 +21,12 @@ public:
     /// of no plane gives an origin that is not finite.
     explicit MMPlane(const MMPlaneEq<double>& equation);
 
+    /// Copies take origin and normal as they are.
     MMPlane(const MMPlane&) = default;
     MMPlane& operator=(const MMPlane&) = default;
     virtual ~MMPlane();
 
+    /// Any point of the plane.
     void SetOrigin(const MMPoint3d<double>& origin)
     {
         _origin = origin;
@@ -36,11 +38,13 @@ public:
         _normal = normal;
     }
 
+    /// The point given, or found from the equation.
     [[nodiscard]] const MMPoint3d<double>& GetOrigin() const
     {
         return _origin;
     }
 
+    /// The normal as it was given: not normalised.
     [[nodiscard]] const MMPoint3d<double>& GetNormal() const
     {
         return _normal;
