@@ -19,7 +19,8 @@ M3dBorder<Coord, Payload, Contour>::~M3dBorder()
     MakeEmpty();
 }
 
-// The old contours go first: were they the last users of a pool, its blocks serve the new ones.
+// The old contours go first: were they the last users of a pool, its blocks are free for the new
+// one.
 template <class Coord, class Payload, class Contour>
 M3dBorder<Coord, Payload, Contour>&
 M3dBorder<Coord, Payload, Contour>::operator=(const M3dBorder& other)
