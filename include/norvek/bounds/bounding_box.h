@@ -37,11 +37,22 @@ struct M3DBoundingBox
     /// value.
     static constexpr T kEmptyMax = -std::numeric_limits<T>::max();
 
+    /// The lower limit on x.
     T minX = kEmptyMin;
+
+    /// The upper limit on x.
     T maxX = kEmptyMax;
+
+    /// The lower limit on y.
     T minY = kEmptyMin;
+
+    /// The upper limit on y.
     T maxY = kEmptyMax;
+
+    /// The lower limit on z.
     T minZ = kEmptyMin;
+
+    /// The upper limit on z.
     T maxZ = kEmptyMax;
 
     /// The empty box.

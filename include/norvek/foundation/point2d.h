@@ -14,12 +14,16 @@ struct MMPoint2d
     static_assert(Norvek::Math::Core::kIsCoordinate<T>,
                   "A coordinate is a double, a float or a std::int32_t; a 64-bit long is none.");
 
+    /// The x coordinate.
     T x{};
+
+    /// The y coordinate.
     T y{};
 
     /// The origin.
     constexpr MMPoint2d() = default;
 
+    /// The point (x, y).
     constexpr MMPoint2d(T xValue, T yValue) : x(xValue), y(yValue)
     {}
 
@@ -31,60 +35,71 @@ struct MMPoint2d
           y(Norvek::Math::Core::CoordinateCast<T>(other.y))
     {}
 
+    /// Adds component by component.
     constexpr MMPoint2d& operator+=(const MMPoint2d& other)
     {
         return *this = {Norvek::Math::Core::WrappingAdd(x, other.x),
                         Norvek::Math::Core::WrappingAdd(y, other.y)};
     }
 
+    /// Subtracts component by component.
     constexpr MMPoint2d& operator-=(const MMPoint2d& other)
     {
         return *this = {Norvek::Math::Core::WrappingSubtract(x, other.x),
                         Norvek::Math::Core::WrappingSubtract(y, other.y)};
     }
 
+    /// Multiplies every component.
     constexpr MMPoint2d& operator*=(T factor)
     {
         return *this = {Norvek::Math::Core::WrappingMultiply(x, factor),
                         Norvek::Math::Core::WrappingMultiply(y, factor)};
     }
 
+    /// Divides every component.
     constexpr MMPoint2d& operator/=(T divisor)
     {
         return *this = {Norvek::Math::Core::WrappingDivide(x, divisor),
                         Norvek::Math::Core::WrappingDivide(y, divisor)};
     }
 
+    /// The sum, component by component.
     friend constexpr MMPoint2d operator+(MMPoint2d a, const MMPoint2d& b)
     {
         return a += b;
     }
 
+    /// The difference, component by component.
     friend constexpr MMPoint2d operator-(MMPoint2d a, const MMPoint2d& b)
     {
         return a -= b;
     }
 
+    /// The negative, component by component.
     friend constexpr MMPoint2d operator-(const MMPoint2d& a)
     {
         return {Norvek::Math::Core::WrappingNegate(a.x), Norvek::Math::Core::WrappingNegate(a.y)};
     }
 
+    /// The multiple.
     friend constexpr MMPoint2d operator*(MMPoint2d a, T factor)
     {
         return a *= factor;
     }
 
+    /// The multiple.
     friend constexpr MMPoint2d operator*(T factor, MMPoint2d a)
     {
         return a *= factor;
     }
 
+    /// The quotient.
     friend constexpr MMPoint2d operator/(MMPoint2d a, T divisor)
     {
         return a /= divisor;
     }
 
+    /// Exact equality; NaN equals nothing.
     friend constexpr bool operator==(const MMPoint2d&, const MMPoint2d&) = default;
 
     /// x x' + y y'.

@@ -24,13 +24,19 @@ struct MMPoint3d
     static_assert(Norvek::Math::Core::kIsCoordinate<T>,
                   "A coordinate is a double, a float or a std::int32_t; a 64-bit long is none.");
 
+    /// The x coordinate.
     T x{};
+
+    /// The y coordinate.
     T y{};
+
+    /// The z coordinate.
     T z{};
 
     /// The origin.
     constexpr MMPoint3d() = default;
 
+    /// The point (x, y, z).
     constexpr MMPoint3d(T xValue, T yValue, T zValue) : x(xValue), y(yValue), z(zValue)
     {}
 
@@ -44,6 +50,7 @@ struct MMPoint3d
           z(Norvek::Math::Core::CoordinateCast<T>(other.z))
     {}
 
+    /// Adds component by component.
     constexpr MMPoint3d& operator+=(const MMPoint3d& other)
     {
         return *this = {Norvek::Math::Core::WrappingAdd(x, other.x),
@@ -51,6 +58,7 @@ struct MMPoint3d
                         Norvek::Math::Core::WrappingAdd(z, other.z)};
     }
 
+    /// Subtracts component by component.
     constexpr MMPoint3d& operator-=(const MMPoint3d& other)
     {
         return *this = {Norvek::Math::Core::WrappingSubtract(x, other.x),
@@ -58,6 +66,7 @@ struct MMPoint3d
                         Norvek::Math::Core::WrappingSubtract(z, other.z)};
     }
 
+    /// Multiplies every component.
     constexpr MMPoint3d& operator*=(T factor)
     {
         return *this = {Norvek::Math::Core::WrappingMultiply(x, factor),
@@ -65,6 +74,7 @@ struct MMPoint3d
                         Norvek::Math::Core::WrappingMultiply(z, factor)};
     }
 
+    /// Divides every component.
     constexpr MMPoint3d& operator/=(T divisor)
     {
         return *this = {Norvek::Math::Core::WrappingDivide(x, divisor),
@@ -72,37 +82,44 @@ struct MMPoint3d
                         Norvek::Math::Core::WrappingDivide(z, divisor)};
     }
 
+    /// The sum, component by component.
     friend constexpr MMPoint3d operator+(MMPoint3d a, const MMPoint3d& b)
     {
         return a += b;
     }
 
+    /// The difference, component by component.
     friend constexpr MMPoint3d operator-(MMPoint3d a, const MMPoint3d& b)
     {
         return a -= b;
     }
 
+    /// The negative, component by component.
     friend constexpr MMPoint3d operator-(const MMPoint3d& a)
     {
         return {Norvek::Math::Core::WrappingNegate(a.x), Norvek::Math::Core::WrappingNegate(a.y),
                 Norvek::Math::Core::WrappingNegate(a.z)};
     }
 
+    /// The multiple.
     friend constexpr MMPoint3d operator*(MMPoint3d a, T factor)
     {
         return a *= factor;
     }
 
+    /// The multiple.
     friend constexpr MMPoint3d operator*(T factor, MMPoint3d a)
     {
         return a *= factor;
     }
 
+    /// The quotient.
     friend constexpr MMPoint3d operator/(MMPoint3d a, T divisor)
     {
         return a /= divisor;
     }
 
+    /// Exact equality; NaN equals nothing.
     friend constexpr bool operator==(const MMPoint3d&, const MMPoint3d&) = default;
 
     /// x x' + y y' + z z', added from the left.

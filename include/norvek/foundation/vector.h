@@ -16,38 +16,45 @@ struct MMVector
     /// The elements; public so that the type stays an aggregate.
     T elements[N]{};
 
+    /// An element, to write.
     constexpr T& operator[](std::size_t index)
     {
         assert(index < N);
         return elements[index];
     }
 
+    /// An element.
     constexpr const T& operator[](std::size_t index) const
     {
         assert(index < N);
         return elements[index];
     }
 
+    /// The first element.
     constexpr T* begin()
     {
         return elements;
     }
 
+    /// The first element.
     constexpr const T* begin() const
     {
         return elements;
     }
 
+    /// One past the last element.
     constexpr T* end()
     {
         return elements + N;
     }
 
+    /// One past the last element.
     constexpr const T* end() const
     {
         return elements + N;
     }
 
+    /// Exact equality; NaN equals nothing.
     friend constexpr bool operator==(const MMVector&, const MMVector&) = default;
 
     /// Prints `(e0, e1, ...)`.

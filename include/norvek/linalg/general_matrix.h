@@ -83,10 +83,14 @@ public:
 
     /// Element by element over the dimensions of this matrix.
     MGeneralMatrix operator+(const MGeneralMatrix& other) const;
+
+    /// Adds element by element, over the rows and columns of this matrix.
     MGeneralMatrix& operator+=(const MGeneralMatrix& other);
 
     /// Every value multiplied, or divided, by the scalar.
     MGeneralMatrix& operator*=(double factor);
+
+    /// Divides every element.
     MGeneralMatrix& operator/=(double divisor);
 
     /// result[j] = sum over i of A(i, j) v[i]: `result` holds columns values, `v` rows values, and
@@ -151,20 +155,24 @@ public:
     void GetLeastEigenVector(std::vector<double>& x) const;
 
 protected:
+    /// Where an element lies in the storage.
     [[nodiscard]] std::size_t _Index(unsigned int row, unsigned int column) const
     {
         return std::size_t{row} * _columns + column;
     }
 
+    /// The first element of a row.
     [[nodiscard]] double* _Row(unsigned int row)
     {
         return _storage.Values() + _Index(row, 0);
     }
 
+    /// The first element of a row.
     [[nodiscard]] const double* _Row(unsigned int row) const
     {
         return _storage.Values() + _Index(row, 0);
     }
 
+    /// The elements, row by row.
     Norvek::Math::Core::MatrixStorage _storage;
 };

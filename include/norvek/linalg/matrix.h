@@ -48,15 +48,20 @@ protected:
     /// 0 x 0.
     MMatrix() = default;
 
+    /// Of the given dimensions.
     MMatrix(unsigned int rows, unsigned int columns) : _rows(rows), _columns(columns)
     {}
 
     /// Copies the two dimensions.
     MMatrix(const MMatrix&) = default;
+
+    /// Copies the two dimensions.
     MMatrix& operator=(const MMatrix&) = default;
 
     ~MMatrix() = default;
 
+    /// The number of rows.
     unsigned int _rows = 0;
+    /// The number of columns.
     unsigned int _columns = 0;
 };

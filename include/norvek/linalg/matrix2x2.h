@@ -14,6 +14,7 @@ public:
     /// All four values 0.
     MMatrix2x2() = default;
 
+    /// The matrix of four values, row by row.
     MMatrix2x2(double a00, double a01, double a10, double a11) : _a{{a00, a01}, {a10, a11}}
     {}
 

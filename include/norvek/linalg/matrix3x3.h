@@ -24,7 +24,10 @@ public:
     /// All nine values 0.
     MMatrix3x3() = default;
 
+    /// Copies the nine values.
     MMatrix3x3(const MMatrix3x3&) = default;
+
+    /// Copies the nine values.
     MMatrix3x3& operator=(const MMatrix3x3&) = default;
     virtual ~MMatrix3x3() = default;
 
@@ -49,6 +52,8 @@ public:
 
     /// Every value multiplied, or divided, by the scalar.
     MMatrix3x3& operator*=(double factor);
+
+    /// Divides every element.
     MMatrix3x3& operator/=(double divisor);
 
     /// Becomes B * (this matrix). `B` may be this matrix.
@@ -90,7 +95,10 @@ public:
         return {GetRow(0).Dot(v), GetRow(1).Dot(v), GetRow(2).Dot(v)};
     }
 
+    /// The sum, element by element.
     MMatrix3x3 operator+(const MMatrix3x3& other) const;
+
+    /// The difference, element by component.
     MMatrix3x3 operator-(const MMatrix3x3& other) const;
 
     /// Exact comparison of all nine values; NaN equals nothing.
