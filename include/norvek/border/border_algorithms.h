@@ -64,9 +64,11 @@ template <class Coord, class Payload>
     requires(std::same_as<Coord, float>&& std::same_as<Payload, float>)
 void MergeBorder(M3dBorder<Coord, Payload>& target, M3dBorder<Coord, Payload>& source);
 
+/// @cond compiled once, in the library
 extern template NORVEK_MATH_API void TransformBorder<float, float>(M3dBorder<float, float>&,
                                                                    const MMTransformMatrix&);
 extern template NORVEK_MATH_API void
 ClipBorderInFrame<float, float, float>(M3dBorder<float, float>&, const MFrame<float>&);
 extern template NORVEK_MATH_API void MergeBorder<float, float>(M3dBorder<float, float>&,
                                                                M3dBorder<float, float>&);
+/// @endcond

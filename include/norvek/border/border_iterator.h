@@ -27,11 +27,19 @@ class M3dBorderContourIterator
     using _Contour = std::conditional_t<std::is_const_v<Point>, const Contour, Contour>;
 
 public:
-    /// The types that the iterator concepts ask for.
+    /// Both directions, one at a time.
     using iterator_category = std::bidirectional_iterator_tag;
+
+    /// What it walks over.
     using value_type = std::remove_const_t<Point>;
+
+    /// A distance.
     using difference_type = std::ptrdiff_t;
+
+    /// The address of an element.
     using pointer = Point*;
+
+    /// An element.
     using reference = Point&;
 
     /// An iterator of no contour.
@@ -117,11 +125,19 @@ class BaseM3dBorderIterator
     static_assert(std::is_const_v<Border> == std::is_const_v<Contour>);
 
 public:
-    /// The types that the iterator concepts ask for.
+    /// Both directions, one at a time.
     using iterator_category = std::bidirectional_iterator_tag;
+
+    /// What it walks over.
     using value_type = std::remove_const_t<Contour>;
+
+    /// A distance.
     using difference_type = std::ptrdiff_t;
+
+    /// The address of an element.
     using pointer = Contour*;
+
+    /// An element.
     using reference = Contour&;
 
     /// An iterator of no border.

@@ -93,7 +93,9 @@ public:
 protected:
     static_assert(std::is_trivially_copyable_v<Point> && std::is_trivially_destructible_v<Point>);
 
+    /// Records in a block.
     std::uint32_t _pointsPerBlock;
+    /// The blocks held.
     std::vector<Point*> _blocks;
     /// The next never-used record of the current block.
     Point* _cursor = nullptr;
@@ -101,8 +103,11 @@ protected:
     Point* _blockEnd = nullptr;
     /// The first recycled record; the others follow through their first words.
     Point* _freeList = nullptr;
+    /// Records handed out and not yet freed.
     std::uint32_t _liveCount = 0;
+    /// Blocks held.
     std::uint32_t _blocksAllocated = 0;
+    /// Blocks entered since the last clearing.
     std::uint32_t _blocksInUse = 0;
 
 private:

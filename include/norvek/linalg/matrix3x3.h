@@ -98,7 +98,7 @@ public:
     /// The sum, element by element.
     MMatrix3x3 operator+(const MMatrix3x3& other) const;
 
-    /// The difference, element by component.
+    /// The difference, element by element.
     MMatrix3x3 operator-(const MMatrix3x3& other) const;
 
     /// Exact comparison of all nine values; NaN equals nothing.

@@ -24,9 +24,12 @@ public:
           _second(second)
     {}
 
-    /// Copies take both points.
+    /// Copies both points.
     MMLine(const MMLine&) = default;
+
+    /// Copies both points.
     MMLine& operator=(const MMLine&) = default;
+
     virtual ~MMLine();
 
     /// Moves the first point; the second stays.

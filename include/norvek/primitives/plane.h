@@ -21,9 +21,12 @@ public:
     /// of no plane gives an origin that is not finite.
     explicit MMPlane(const MMPlaneEq<double>& equation);
 
-    /// Copies take origin and normal as they are.
+    /// Copies origin and normal as they are.
     MMPlane(const MMPlane&) = default;
+
+    /// Copies origin and normal as they are.
     MMPlane& operator=(const MMPlane&) = default;
+
     virtual ~MMPlane();
 
     /// Any point of the plane.

@@ -89,34 +89,49 @@ public:
     /// @name Coefficients
     /// Writing through the references is allowed; `Normalise` afterwards.
     /// @{
+    /// The coefficient a: x of the normal.
     T& A()
     {
         return _normal.x;
     }
+
+    /// The coefficient b: y of the normal.
     T& B()
     {
         return _normal.y;
     }
+
+    /// The coefficient c: z of the normal.
     T& C()
     {
         return _normal.z;
     }
+
+    /// The coefficient d: the offset.
     T& D()
     {
         return _d;
     }
+
+    /// The coefficient a: x of the normal.
     const T& A() const
     {
         return _normal.x;
     }
+
+    /// The coefficient b: y of the normal.
     const T& B() const
     {
         return _normal.y;
     }
+
+    /// The coefficient c: z of the normal.
     const T& C() const
     {
         return _normal.z;
     }
+
+    /// The coefficient d: the offset.
     const T& D() const
     {
         return _d;

@@ -141,8 +141,11 @@ public:
     bool TransformBoundingBox(M3DBoundingBox<float>& box) const;
 
 protected:
+    /// Nothing to construct.
     MMTransform() = default;
+    /// Nothing to copy.
     MMTransform(const MMTransform&) = default;
+    /// Nothing to copy.
     MMTransform& operator=(const MMTransform&) = default;
 
     /// Maps `in` to `out`, which may be the same object. False, with `out` untouched, when `in` has

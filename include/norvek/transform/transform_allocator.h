@@ -9,7 +9,8 @@
 ///
 /// A transform created with `new`, a `Clone` included, therefore goes back with a plain `delete` of
 /// the transform, which finds the operator below through the virtual destructor of `MMTransform`;
-/// never hand such a pointer to `::delete` or `free`. Safe to use from several threads at once.
+/// never hand such a pointer to the global `delete` or to `free`. Safe to use from several threads
+/// at once.
 class NORVEK_MATH_API MMTransformAllocator
 {
 public:
@@ -21,8 +22,11 @@ public:
     static void operator delete(void* block) noexcept;
 
 protected:
+    /// Nothing to construct.
     MMTransformAllocator() = default;
+    /// Nothing to copy.
     MMTransformAllocator(const MMTransformAllocator&) = default;
+    /// Nothing to copy.
     MMTransformAllocator& operator=(const MMTransformAllocator&) = default;
     ~MMTransformAllocator() = default;
 };

@@ -26,8 +26,11 @@ public:
         InvalidPerspective = 6
     };
 
+    /// An exception of one kind.
     explicit MMTransformException(Kinds kind) noexcept;
+    /// Copies the kind.
     MMTransformException(const MMTransformException&) = default;
+    /// Copies the kind.
     MMTransformException& operator=(const MMTransformException&) = default;
     ~MMTransformException() override;
 

@@ -6,8 +6,11 @@
 class NORVEK_MATH_API MMTransformIdentity : public MMTransform
 {
 public:
+    /// The identity.
     MMTransformIdentity() = default;
+    /// Nothing to copy.
     MMTransformIdentity(const MMTransformIdentity&) = default;
+    /// Nothing to copy.
     MMTransformIdentity& operator=(const MMTransformIdentity&) = default;
     ~MMTransformIdentity() override = default;
 

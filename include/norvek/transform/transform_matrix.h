@@ -31,12 +31,19 @@
 class NORVEK_MATH_API MMTransformMatrix : public MMTransform, protected MMTransformMatrixData
 {
 public:
+    /// @cond the overloads of one point, documented in the base
     using MMTransform::Transform;
+    /// @endcond
 
     /// The identity, invertible and not homogeneous.
     MMTransformMatrix();
+
+    /// Copies matrix, inverse, flags and kind.
     MMTransformMatrix(const MMTransformMatrix&) = default;
+
+    /// Copies matrix, inverse, flags and kind.
     MMTransformMatrix& operator=(const MMTransformMatrix&) = default;
+
     ~MMTransformMatrix() override = default;
 
     /// A new matrix with the same matrix, inverse, flags and kind, owned by the caller.
@@ -49,9 +56,16 @@ public:
     /// Rows from the top, element by element; closing step. The array may be storage of this very
     /// matrix. The forms of 12 take rows 0 to 2 and set the bottom row to (0, 0, 0, 1).
     /// @{
+    /// Loads all 16 elements.
     void MakeFromDouble16(const double* rows);
+
+    /// Loads all 16 elements.
     void MakeFromFloat16(const float* rows);
+
+    /// Loads rows 0 to 2.
     void MakeFromDouble12(const double* rows);
+
+    /// Loads rows 0 to 2.
     void MakeFromFloat12(const float* rows);
     /// @}
 
@@ -366,16 +380,31 @@ protected:
                            bool isDirection) const override;
 
     /// @name Inverses
-    /// `_ComputeInverse` calls the one of the cached kind and stores its verdict. On failure they
-    /// leave the inverse as it is.
+    /// On failure they leave the inverse as it is.
     /// @{
+
+    /// Calls the one of the cached kind and stores its verdict.
     virtual bool _ComputeInverse();
+
+    /// By Gauss-Jordan elimination; false on an exactly zero pivot.
     virtual bool _ComputeInverseGeneral();
+
+    /// The unit matrix; true.
     virtual bool _ComputeInverseIdentity();
+
+    /// The opposite translation; true.
     virtual bool _ComputeInverseTranslation();
+
+    /// The transpose; true.
     virtual bool _ComputeInverseOrthoNormal();
+
+    /// The transpose over the squared length of column 0; false when that is 0.
     virtual bool _ComputeInverseOrthoGonal();
+
+    /// The reciprocal scale; false for 0. Leaves old translations, see `ComputeInverse`.
     virtual bool _ComputeInverseScale1D();
+
+    /// The reciprocal diagonal; false when one of its elements is 0.
     virtual bool _ComputeInverseScale3D();
     /// @}
 
