@@ -28,6 +28,8 @@ else()
     set(pkgconfig_cflags " -DNORVEK_MATH_STATIC")
     set(pkgconfig_libs " -lstdc++ -lm")
 endif()
+# The prefix, seen from the folder of the pkg-config file, so that an installed tree can be moved.
+file(RELATIVE_PATH pkgconfig_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 configure_file(
     ${PROJECT_SOURCE_DIR}/cmake/norvek_math.pc.in ${PROJECT_BINARY_DIR}/norvek_math.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/norvek_math.pc
