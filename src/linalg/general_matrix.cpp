@@ -151,7 +151,6 @@ MGeneralMatrix& MGeneralMatrix::operator/=(double divisor)
     return *this;
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MGeneralMatrix::CalculationATransposeV(double* const result, double* const v) const
 {
     std::fill_n(result, _columns, 0.0);
@@ -192,7 +191,6 @@ double MGeneralMatrix::Determinant(unsigned int n) const
     return Expand(_storage.Values(), _columns, columns.data(), n);
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MGeneralMatrix::HouseholderReflection(double* const v)
 {
     assert(_rows == _columns);

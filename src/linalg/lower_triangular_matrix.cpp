@@ -27,7 +27,6 @@ void MLowerTriangularMatrix::CleanUp()
     _storage.Release();
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MLowerTriangularMatrix::SOLVE_G_TG_X_B(double* const b) const
 {
     const std::size_t n = _columns;

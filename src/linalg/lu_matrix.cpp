@@ -31,7 +31,6 @@ void MGeneralMatrix::RetrieveMemory(MLUMatrix& lu)
     _columns = std::exchange(lu._columns, 0);
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MLUMatrix::SolveLUxy(double* const b) const
 {
     const std::size_t n = _rows;

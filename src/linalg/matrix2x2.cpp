@@ -22,7 +22,6 @@ void WriteUnit(double x, double y, double* vector)
 
 } // namespace
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix2x2::GetEigenValues(double* const values) const
 {
     const double trace = _a[0][0] + _a[1][1];
@@ -44,7 +43,6 @@ bool MMatrix2x2::GetEigenValues(double* const values) const
     return true;
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix2x2::GetEigenVector(double* const vector, double value) const
 {
     const double first = _a[0][0] - value;
@@ -79,7 +77,6 @@ bool MMatrix2x2::Invert()
     return true;
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix2x2::SolveSquareSet(double* const x, double* const b) const
 {
     const double determinant = _a[0][0] * _a[1][1] - _a[0][1] * _a[1][0];

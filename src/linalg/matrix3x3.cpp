@@ -144,7 +144,6 @@ MMatrix3x3 MMatrix3x3::Inverse() const
     return result;
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix3x3::Solve(double* const b) const
 {
     const double determinant = Determinant();

@@ -28,7 +28,6 @@ ThreeVectors Rows(const MMatrix3x3& matrix)
 
 } // namespace
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix3x3::GetEigenValues(double* const values) const
 {
     const double minors = (_a[1][1] * _a[2][2] - _a[1][2] * _a[2][1]) +
@@ -60,7 +59,6 @@ bool MMatrix3x3::GetLeftSingular(MMPoint3d<double>& u) const
     return columns.AllPerpendicular(u, kTenEpsilons);
 }
 
-// NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
 bool MMatrix3x3::GetEigenVectors(MMPoint3d<double>* const vectors, double* const values) const
 {
     if (!Distinct(values[0], values[1]) && !Distinct(values[1], values[2])) {

@@ -95,7 +95,6 @@ public:
 
     /// result[j] = sum over i of A(i, j) v[i]: `result` holds columns values, `v` rows values, and
     /// the two do not overlap. Always true.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool CalculationATransposeV(double* const result, double* const v) const;
 
     /// The same product; `result` is sized to the columns and may be the argument's source.
@@ -138,7 +137,6 @@ public:
     /// Makes this matrix (square) the reflection I - 2 v v' / (v' v), v with as many values as
     /// the matrix has rows. False, and nothing changed, when v' v is not above 3 n machine
     /// epsilons.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool HouseholderReflection(double* const v);
 
     /// Power iteration on this square matrix, from (1, 1, ...): a vector along the eigenvector of

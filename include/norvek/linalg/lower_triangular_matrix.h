@@ -19,6 +19,7 @@ public:
     /// Deep copy; the storage is reallocated only when the stored counts differ.
     MLowerTriangularMatrix& operator=(const MLowerTriangularMatrix& other);
 
+    /// Frees the storage.
     ~MLowerTriangularMatrix() = default;
 
     /// Reallocates rows * (rows + 1) / 2 values when rows * columns changes, or when what is there
@@ -41,6 +42,7 @@ public:
         return row < column ? 0.0 : _storage.Values()[_Index(row, column)];
     }
 
+    /// Releases the storage and keeps the dimensions.
     void CleanUp() override;
 
     /// Solves G G' x = b in place in `b`, as many values as columns.
@@ -49,7 +51,6 @@ public:
     /// overwritten then. The first diagonal element is not tested on the way forwards, nor the
     /// last on the way back. False as well, `b` untouched, when the matrix has more columns than
     /// rows. Cost: 2 n^2.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool SOLVE_G_TG_X_B(double* const b) const;
 
 private:

@@ -17,7 +17,6 @@ public:
     ///
     /// False when the magnitude of a diagonal element of U is below the machine epsilon; `b` is
     /// partly overwritten then. Order 0 is true at once. Cost: 2 n^2.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool SolveLUxy(double* const b) const;
 
 private:

@@ -36,7 +36,6 @@ public:
     ///
     /// A determinant below ten machine epsilons counts as 0 and gives (trace, 0), whichever is the
     /// larger. A discriminant below that counts as 0. False, nothing written, for a complex pair.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool GetEigenValues(double* const values) const;
 
     /// A unit eigenvector (two values) for the eigenvalue `value`.
@@ -44,7 +43,6 @@ public:
     /// False, nothing written, when (a00 - value)(a11 - value) - a10 a01 is above ten machine
     /// epsilons times the square of the largest entry. The test has one side: a negative residual
     /// passes. False as well for a diagonal matrix that does not have the value.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool GetEigenVector(double* const vector, double value) const;
 
     /// Replaces the matrix by its inverse. False, unchanged, when the determinant is below a
@@ -53,7 +51,6 @@ public:
 
     /// Solves A x = b by Cramer's rule; `x` may be `b`. False, `x` untouched, only when the
     /// determinant is exactly 0 or NaN.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool SolveSquareSet(double* const x, double* const b) const;
 
 private:

@@ -125,7 +125,6 @@ public:
 
     /// Solves A x = b by Cramer's rule, in place in `b` (three values). False, `b` untouched, only
     /// when the determinant is exactly 0 or NaN.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool Solve(double* const b) const;
 
     /// The real parts of the three roots of the characteristic polynomial, in the order in which
@@ -134,7 +133,6 @@ public:
     /// True when every imaginary part is at most 40 machine epsilons times the largest entry. The
     /// three values are written in either case. Isolated values are good to a few epsilons of the
     /// largest value, the two of a close pair to half as many digits.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool GetEigenValues(double* const values) const;
 
     /// Unit eigenvectors for the three values of `GetEigenValues`, vector k for value k.
@@ -142,7 +140,6 @@ public:
     /// Values that differ by at most ten machine epsilons count as one, and get orthogonal vectors;
     /// the third value is compared with the first too, for the order (large, small, large). All
     /// three vectors are always written. True when each passes the test of `GetRightSingular`.
-    // NOLINTNEXTLINE(readability-avoid-const-params-in-decls)
     bool GetEigenVectors(MMPoint3d<double>* const vectors, double* const values) const;
 
     /// A unit vector v with A v = 0, for a singular matrix: the longest cross product of two rows;

@@ -38,6 +38,7 @@ public:
     /// Leaves `other` without an array.
     MatrixStorage& operator=(MatrixStorage&& other) noexcept;
 
+    /// Frees the array.
     ~MatrixStorage() = default;
 
     /// Makes room for exactly `count` values. With an equal count the array and its values stay;

@@ -24,6 +24,7 @@ public:
     /// Deep copy; the storage is reallocated only when the orders differ.
     MSymmetricMatrix& operator=(const MSymmetricMatrix& other);
 
+    /// Frees the storage.
     ~MSymmetricMatrix() = default;
 
     /// False, nothing changed, for rows != columns or without memory. With an equal order the
@@ -37,12 +38,14 @@ public:
         return _storage.Values()[_Index(row, column)];
     }
 
+    /// The value, in either order of the indices.
     [[nodiscard]] double Value(unsigned int row, unsigned int column) const override
     {
         assert(row < _rows && column < _rows && _storage.Values() != nullptr);
         return _storage.Values()[_Index(row, column)];
     }
 
+    /// Releases the storage and keeps the dimensions.
     void CleanUp() override;
 
     /// All values 0.
