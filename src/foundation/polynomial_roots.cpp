@@ -5,6 +5,11 @@
 #include <cmath>
 #include <cstddef>
 
+// Notation: c_k or b_k the coefficient of x^k, p and q those of the depressed cubic, s the root of
+// its discriminant, u and v the two cube roots of Cardano's formula, w the primitive cube root of
+// one. Everything complex is written out in pairs of doubles, so that it rounds alike with every
+// compiler.
+
 namespace Norvek::Math::Core
 {
 
@@ -66,6 +71,7 @@ void MonicCubicRoots(double b0, double b1, double b2, std::span<ComplexRoot, 3> 
         const double square = w.real * w.real + w.imaginary * w.imaginary;
         v = {-p * w.real / square, p * w.imaginary / square};
     }
+    // w u and w v, and w^2 u and w^2 v: a third of a turn forwards, and back.
     const ComplexRoot turnedU = TurnedByThird(u, kHalfRootThree);
     const ComplexRoot turnedV = TurnedByThird(v, kHalfRootThree);
     const ComplexRoot backU = TurnedByThird(u, -kHalfRootThree);

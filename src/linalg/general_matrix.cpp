@@ -64,6 +64,8 @@ MGeneralMatrix& MGeneralMatrix::operator=(const MGeneralMatrix& other)
     return *this;
 }
 
+// A matrix without storage gets some even when the count is the same: what was cleaned up can be
+// used again, and nobody could tell the difference but by reading where nothing is.
 bool MGeneralMatrix::SetDimensions(unsigned int rows, unsigned int columns)
 {
     return _storage.Resize(std::size_t{rows} * columns) && MMatrix::SetDimensions(rows, columns);
@@ -86,6 +88,7 @@ void MGeneralMatrix::MakeIdentity()
         Element(i, i) = 1.0;
 }
 
+// The source may be packed in any way, so that its elements can only be had one by one.
 void MGeneralMatrix::Copy(MMatrix* source)
 {
     assert(source != nullptr);
@@ -112,7 +115,8 @@ void MGeneralMatrix::SetSubMatrix(const MGeneralMatrix& source, unsigned int row
 
 MGeneralMatrix MGeneralMatrix::operator*(const MGeneralMatrix& other) const
 {
-    // Row by row of the right operand: each element still sums over k in ascending order.
+    // Row by row of the right operand, where values lie side by side and no sum waits for the one
+    // before it: each element still sums over k in ascending order.
     MGeneralMatrix result(_rows, other._columns);
     result.SetToZero();
     for (unsigned int i = 0; i < _rows; ++i) {
@@ -153,6 +157,7 @@ MGeneralMatrix& MGeneralMatrix::operator/=(double divisor)
 
 bool MGeneralMatrix::CalculationATransposeV(double* const result, double* const v) const
 {
+    // All sums grow together, row by row; each one takes its terms in ascending order of i.
     std::fill_n(result, _columns, 0.0);
     for (unsigned int i = 0; i < _rows; ++i)
         AddScaled(v[i], _Row(i), _columns, result);
@@ -174,6 +179,7 @@ bool MGeneralMatrix::CreateATransposeA(MSymmetricMatrix& result) const
     if (!result.SetDimensions(_columns, _columns))
         return false;
     result.SetToZero();
+    // Row i of the packed triangle has i + 1 values and follows upon row i - 1.
     for (unsigned int k = 0; k < _rows; ++k) {
         double* packed = result._storage.Values();
         for (unsigned int i = 0; i < _columns; packed += ++i)
@@ -182,6 +188,8 @@ bool MGeneralMatrix::CreateATransposeA(MSymmetricMatrix& result) const
     return true;
 }
 
+// The minors are never copied: a minor is a row to start from and a list of columns. All lists
+// together take n (n + 1) / 2 places.
 double MGeneralMatrix::Determinant(unsigned int n) const
 {
     assert(n <= _rows && n <= _columns);
@@ -199,6 +207,7 @@ bool MGeneralMatrix::HouseholderReflection(double* const v)
         square += v[i] * v[i];
     if (std::abs(square) <= _rows * 3.0 * kMachineEpsilon)
         return false;
+    // The order of the factors fixes the last bit: v_i, -2, v_j, 1 / (v' v).
     const double inverse = 1.0 / square;
     for (unsigned int i = 0; i < _rows; ++i) {
         double* const row = _Row(i);
@@ -227,6 +236,7 @@ double StepWithPartialSums(const double* a, std::size_t n, const double* old, do
     return norm;
 }
 
+// The same with the L1 norm: each row counts once, when it is complete.
 double StepWithRowSums(const double* a, std::size_t n, const double* old, double* x)
 {
     double norm = 0.0;

@@ -17,6 +17,8 @@ namespace
 constexpr std::size_t kTile = 8;
 constexpr std::size_t kPairs = kTile / 2;
 
+// Notation: w the tile, w_ic its value in row i and column c, p_c the projection of column c on q.
+
 // p_c = sum over i of q_i w_ic.
 void Project(const double* q, const double* tile, std::size_t rows, double* projections)
 {
@@ -43,7 +45,8 @@ void Subtract(const double* q, const double* projections, double* tile, std::siz
     }
 }
 
-// Subtracts along q and projects on its successor in one pass over the tile.
+// Subtracts along q and projects on its successor in one pass over the tile: a value is still in
+// its register when the next projection wants it, and the tile is read from memory half as often.
 void SubtractAndProject(const double* q, const double* next, double* tile, std::size_t rows,
                         double* projections)
 {
@@ -94,6 +97,7 @@ void GramSchmidt::Factorise(const double* values)
     }
 }
 
+// Lanes beyond the last column are filled with zeros, which stay zeros and are never stored.
 void GramSchmidt::_LoadTile(const double* values, std::size_t first, std::size_t width)
 {
     for (std::size_t i = 0; i < _rows; ++i) {
@@ -103,6 +107,7 @@ void GramSchmidt::_LoadTile(const double* values, std::size_t first, std::size_t
     }
 }
 
+// Brings the columns of a tile past all finished q, in ascending order.
 void GramSchmidt::_TakeEarlier(std::size_t first, std::size_t width)
 {
     if (first == 0)
@@ -117,6 +122,7 @@ void GramSchmidt::_TakeEarlier(std::size_t first, std::size_t width)
     }
 }
 
+// Normalises column `lane` of the tile, which has taken all earlier q, to the next q.
 void GramSchmidt::_FinishColumn(std::size_t first, std::size_t lane)
 {
     const std::size_t k = first + lane;
@@ -133,6 +139,7 @@ void GramSchmidt::_FinishColumn(std::size_t first, std::size_t lane)
         q[i] /= length;
 }
 
+// Row k of R, in the columns of the tile from lane `from` on.
 void GramSchmidt::_StoreProjections(std::size_t k, std::size_t first, std::size_t from,
                                     std::size_t width)
 {

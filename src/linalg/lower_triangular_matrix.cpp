@@ -15,6 +15,8 @@ MLowerTriangularMatrix& MLowerTriangularMatrix::operator=(const MLowerTriangular
 bool MLowerTriangularMatrix::SetDimensions(unsigned int rows, unsigned int columns)
 {
     const std::size_t count = _Index(rows, 0);
+    // The old storage serves for an equal product of dimensions, but 2 x 8 holds fewer values than
+    // 4 x 4.
     const bool sameProduct = std::size_t{rows} * columns == std::size_t{_rows} * _columns;
     const bool hasRoom = _storage.Values() != nullptr && _storage.Count() >= count;
     if (!(sameProduct && hasRoom) && !_storage.Resize(count))
@@ -36,6 +38,8 @@ bool MLowerTriangularMatrix::SOLVE_G_TG_X_B(double* const b) const
         return false;
     const double* const g = _storage.Values();
 
+    // G y = b. That the first diagonal element is not tested here, nor the last on the way back, is
+    // meant.
     b[0] /= g[0];
     for (std::size_t i = 1; i < n; ++i) {
         const double* const row = g + _Index(i, 0);
@@ -47,6 +51,7 @@ bool MLowerTriangularMatrix::SOLVE_G_TG_X_B(double* const b) const
         b[i] = (b[i] - sum) / row[i];
     }
 
+    // G' x = y, down the columns of G.
     b[n - 1] /= g[_Index(n - 1, n - 1)];
     for (std::size_t i = n - 1; i-- > 0;) {
         const double diagonal = g[_Index(i, i)];

@@ -8,6 +8,7 @@
 
 using Norvek::Math::Core::kMachineEpsilon;
 
+// The storage moves, it is not copied. A matrix factorised into itself keeps it.
 bool MGeneralMatrix::FactoriseLU(MLUMatrix& lu)
 {
     lu._pivot.resize(_rows);

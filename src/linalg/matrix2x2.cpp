@@ -51,6 +51,7 @@ bool MMatrix2x2::GetEigenVector(double* const vector, double value) const
     // One-sided: a negative residual passes.
     if (first * second - _a[1][0] * _a[0][1] > largest * largest * kTenEpsilons)
         return false;
+    // Divide by the larger of the two elements off the diagonal.
     const double upper = std::abs(_a[0][1]);
     const double lower = std::abs(_a[1][0]);
     if (upper >= lower && !(upper < kTenEpsilons)) {
@@ -83,6 +84,7 @@ bool MMatrix2x2::SolveSquareSet(double* const x, double* const b) const
     // One comparison that a zero and a NaN determinant both fail.
     if (!(determinant < 0.0 || determinant > 0.0))
         return false;
+    // Both before either is written: x may be b.
     const double x0 = (b[0] * _a[1][1] - _a[0][1] * b[1]) / determinant;
     const double x1 = (_a[0][0] * b[1] - b[0] * _a[1][0]) / determinant;
     x[0] = x0;

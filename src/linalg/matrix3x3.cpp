@@ -96,6 +96,7 @@ double MMatrix3x3::Trace() const
     return _a[0][0] + _a[1][1] + _a[2][2];
 }
 
+// With the sign: the tolerances of a matrix without a positive entry are negative and never met.
 double MMatrix3x3::GetMaxEntry() const
 {
     double largest = _a[0][0];
@@ -106,6 +107,7 @@ double MMatrix3x3::GetMaxEntry() const
     return largest;
 }
 
+// Both squares are built beside the result, which may be the matrix itself.
 void MMatrix3x3::TransposeSquare(MMatrix3x3& result) const
 {
     MMatrix3x3 square;
@@ -133,6 +135,7 @@ double MMatrix3x3::Determinant() const
            _a[0][2] * (_a[1][0] * _a[2][1] - _a[1][1] * _a[2][0]);
 }
 
+// No test of the determinant: what a singular matrix gives is not finite, and says so by itself.
 MMatrix3x3 MMatrix3x3::Inverse() const
 {
     const double determinant = Determinant();

@@ -30,6 +30,7 @@ ThreeVectors Rows(const MMatrix3x3& matrix)
 
 bool MMatrix3x3::GetEigenValues(double* const values) const
 {
+    // The principal minors as cofactors of (0, 0), (1, 1) and (2, 2), with cyclic indices.
     const double minors = (_a[1][1] * _a[2][2] - _a[1][2] * _a[2][1]) +
                           (_a[2][2] * _a[0][0] - _a[2][0] * _a[0][2]) +
                           (_a[0][0] * _a[1][1] - _a[0][1] * _a[1][0]);
@@ -76,12 +77,15 @@ bool MMatrix3x3::GetEigenVectors(MMPoint3d<double>* const vectors, double* const
                              : SecondNullVector(shifted, *first, tolerance);
         return shifted.AllPerpendicular(v, tolerance);
     };
+    // Every step writes its vector, whether it passes its test or not: the caller of a fit takes
+    // the vector of the value that stands apart and does not ask about the others.
     const bool firstTwo = Distinct(values[1], values[0]);
     bool found = find(values[0], nullptr, vectors[0]);
     found = find(values[1], firstTwo ? nullptr : &vectors[0], vectors[1]) && found;
     if (!Distinct(values[2], values[1])) {
         if (firstTwo)
             return find(values[2], &vectors[1], vectors[2]) && found;
+        // Three values in a chain of equals: what is left is fixed by the other two.
         vectors[2] = vectors[0].Cross(vectors[1]);
         return found;
     }

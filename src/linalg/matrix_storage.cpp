@@ -27,6 +27,7 @@ MatrixStorage::MatrixStorage(MatrixStorage&& other) noexcept
       _count(std::exchange(other._count, 0))
 {}
 
+// No array is copied as no array: a cleaned-up matrix is a proper value.
 MatrixStorage& MatrixStorage::operator=(const MatrixStorage& other)
 {
     if (this == &other)

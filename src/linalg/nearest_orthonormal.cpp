@@ -110,6 +110,7 @@ bool TwoEigenValues(const MMatrix3x3& m, double* values)
     return std::abs(roots[0].imaginary) <= tolerance && std::abs(roots[1].imaginary) <= tolerance;
 }
 
+// The vectors of the two values; those of a double value are orthogonal by construction.
 bool TwoEigenVectors(const MMatrix3x3& m, const double* values, Vector* vectors)
 {
     const ThreeVectors rows{m.GetRow(0), m.GetRow(1), m.GetRow(2)};
@@ -160,6 +161,8 @@ bool ClosedRoot(const MMatrix3x3& m, MMatrix3x3& root, bool& tooSmall)
     return true;
 }
 
+// The polar factor in closed form. Its decision on the rank is absolute, so that what it returns is
+// only a proposal: the caller checks that it is orthonormal.
 bool ClosedNearest(const MMatrix3x3& a, MMatrix3x3& result)
 {
     MMatrix3x3 m;
@@ -216,12 +219,15 @@ bool RobustNearest(MMatrix3x3 a, MMatrix3x3& result)
             v[k] = vOld[0] * turn.x + vOld[1] * turn.y + vOld[2] * turn.z;
         }
     }
-    // The thresholds of the closed form, relative to the largest value.
+    // The thresholds of the closed form, relative to the largest value. b is in descending order.
+    // A NaN fails here.
     const double limit = kTenEpsilons * b[0].LengthSquared();
     if (!(b[1].LengthSquared() >= limit))
         return false;
     const Vector u0 = b[0].Normalised();
     const Vector u1 = (b[1] - u0 * u0.Dot(b[1])).Normalised();
+    // The third direction is fixed by the other two but for its side: that of b_2 where it has one,
+    // else the one that makes a rotation.
     Vector u2 = u0.Cross(u1);
     const bool fullRank = b[2].LengthSquared() > limit;
     const double side = fullRank ? u2.Dot(b[2]) : v[0].Cross(v[1]).Dot(v[2]);

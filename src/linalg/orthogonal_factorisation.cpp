@@ -30,6 +30,8 @@ bool MGeneralMatrix::FactoriseQR(MGeneralMatrix& q, MGeneralMatrix& r) const
     return true;
 }
 
+// The factors stay in the form in which they come, columns of Q and rows of R: only the solution
+// leaves.
 bool MGeneralMatrix::SolveLeastSquare(double* b, double* x) const
 {
     const std::size_t n = _columns;
@@ -38,6 +40,7 @@ bool MGeneralMatrix::SolveLeastSquare(double* b, double* x) const
     GramSchmidt factors(_rows, n);
     factors.Factorise(_storage.Values());
 
+    // b is read whole before x is written: they may be one array.
     std::vector<double> projected(n);
     factors.ProjectOnQ(b, projected.data());
     for (std::size_t i = n; i-- > 0;) {

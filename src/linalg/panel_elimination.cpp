@@ -8,6 +8,14 @@
 #include <cmath>
 #include <vector>
 
+// Notation: A the matrix, L its part below the diagonal (unit diagonal not stored), U the rest;
+// step k exchanges rows, divides column k below the diagonal by A(k, k) and subtracts L(i, k) U(k,
+// j) from every A(i, j) to the right and below.
+//
+// The obvious alternative, a reciprocal of the pivot and recursive blocks, changes bits: a quotient
+// is not a product with a reciprocal, and blocks that are multiplied first and subtracted as a sum
+// round otherwise. Here every element is subtracted from, one step at a time.
+
 namespace Norvek::Math::Core
 {
 
@@ -41,6 +49,7 @@ double* RowOf(double* values, std::size_t columns, std::size_t i)
     return values + i * columns;
 }
 
+// NaN is not singular; it goes on into the factors.
 bool IsSingular(double pivot, std::size_t step)
 {
     return std::abs(pivot) <= static_cast<double>(step) * kSingularPerStep * kMachineEpsilon;
@@ -108,6 +117,9 @@ void UpdateColumn(double* values, std::size_t rows, std::size_t columns, std::si
     }
 }
 
+// Column by column: a column takes all earlier steps, then its own pivot is chosen. Rows are
+// exchanged whole, also in columns that are yet to come, so that their earlier steps find them in
+// place.
 bool EliminateByColumns(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
 {
     const std::size_t steps = std::min(rows, columns);
@@ -130,6 +142,7 @@ bool EliminateByColumns(double* values, std::size_t rows, std::size_t columns, u
     return regular;
 }
 
+// Step by step over all columns: the plain loops themselves.
 bool EliminateOnePanel(double* values, std::size_t rows, std::size_t columns, unsigned int* pivot)
 {
     const std::size_t steps = std::min(rows, columns);
@@ -198,6 +211,7 @@ bool Elimination::Run()
     return _regular;
 }
 
+// Factorises the columns of one panel. The columns to its right wait, but for the exchange of rows.
 void Elimination::EliminatePanel(std::size_t begin, std::size_t end)
 {
     _activeCount = 0;
@@ -283,6 +297,7 @@ void UpdateRegisters(const double* lower, const double* upper, std::size_t steps
     }
 }
 
+// A tile at the lower or right edge is completed in a copy.
 void Elimination::UpdateTile(std::size_t i, std::size_t height, std::size_t column,
                              std::size_t width, const double* upper)
 {
