@@ -19,7 +19,19 @@ int main()
     turn.MakeRotationXYZ(90.0, 0.0, 0.0);
     const MMPoint3d<double> turned = turn(MMPoint3d<double>(0.0, 1.0, 0.0), false);
 
-    const bool isRight = std::abs(height - 1.0) < 1e-12 && std::abs(turned.z - 1.0) < 1e-12;
-    std::cout << "height " << height << ", turned " << turned << '\n';
+    M3dBorder<float, float> pieces;
+    for (int i = 0; i < 2; ++i) {
+        auto* const piece = pieces.AddContourAtEnd();
+        piece->SetIsClosed(false);
+        piece->InsertAtEnd(static_cast<float>(i), 0.0F, 0.0F);
+        piece->InsertAtEnd(static_cast<float>(i + 1), 0.0F, 0.0F);
+    }
+    M3dBorder<float, float> joined;
+    MergeBorder(joined, pieces);
+
+    const bool isRight = std::abs(height - 1.0) < 1e-12 && std::abs(turned.z - 1.0) < 1e-12 &&
+                         joined.GetNumContours() == 1 && joined.GetNumPoints() == 3;
+    std::cout << "height " << height << ", turned " << turned << ", joined to "
+              << joined.GetNumContours() << " contour\n";
     return isRight ? 0 : 1;
 }
