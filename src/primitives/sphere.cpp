@@ -110,8 +110,12 @@ bool MMSphere::Fit(const Point& p1, const Point& p2, const Point& p3)
     Point center;
     if (!std::isfinite(scale) || !CircleCenter(center, b / scale, c / scale))
         return false;
-    _center = p1 + center * scale;
-    _radius = center.Length() * scale;
+    const double radius = center.Length() * scale;
+    center = p1 + center * scale;
+    if (!std::isfinite(radius) || !std::isfinite(SafeLength(center)))
+        return false;
+    _center = center;
+    _radius = radius;
     return true;
 }
 

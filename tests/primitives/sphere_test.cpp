@@ -64,6 +64,7 @@ TEST(Sphere, RefusesFlatAndSmallFigures)
     EXPECT_FALSE(sphere.Fit({0, 0, 0}, {1, 1, 1}, {3, 3, 3}));
     EXPECT_FALSE(sphere.Fit({0, 0, 0}, {0, 0, 0}, {0, 0, 0}));
     EXPECT_FALSE(sphere.Fit({0, 0, 0}, {1, 0, kNaN}, {0, 1, 0}));
+    EXPECT_FALSE(sphere.Fit({0, 0, 0}, {1e308, 0, 0}, {5e307, 1e297, 0})); // its radius overflows
     EXPECT_FALSE(sphere.CapturePoints({}));
     EXPECT_FALSE(sphere.CapturePoints({{0, 0, 0}, {kNaN, 0, 0}}));
     EXPECT_FALSE(sphere.Compute({}, Point()));

@@ -20,6 +20,10 @@
 /// the object: 1e5 object sizes away from the origin leave six digits. Subtract a point near the
 /// object first, as the section example does.
 ///
+/// Coordinates must be finite and below about 1e25 from the centroid: the closed form of the
+/// eigenvalues takes their twelfth powers. Beyond, the tests for a line do not refuse the NaN that
+/// comes of it: `GetIsLine` is false and the normal means nothing.
+///
 /// A fresh object is a line (`GetIsLine`) with the plane (0, 0, 0, 0). Where the points define no
 /// plane the old plane stays. The sign of the normal is that of the eigenvector: any.
 ///
@@ -119,7 +123,7 @@ public:
     /// Takes one point into the deviations. The plane must have been computed.
     void _UpdateDeviation(const MMPoint3d<double>& point);
 
-    /// Ends a deviation pass over `n` points. With `n` = 0 the standard deviation is not a number.
+    /// Ends a deviation pass over `n` points. With `n` = 0 the standard deviation is not finite.
     void _UpdateDeviation(unsigned int n);
 
 private:

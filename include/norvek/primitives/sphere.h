@@ -88,7 +88,9 @@ public:
 
     /// The sphere through four points, by determinants. False when the determinant of the points'
     /// coordinates (six times the volume of their tetrahedron) or the squared radius is below
-    /// 2^-11.5: these limits are absolute, so that a small object must be scaled up first.
+    /// 2^-11.5: these limits are absolute, so that a small object must be scaled up first. They do
+    /// not refuse NaN: coordinates that are not finite, or whose powers overflow, may give true
+    /// with a centre and a radius that are not numbers.
     bool Fit4Points(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2,
                     const MMPoint3d<double>& p3, const MMPoint3d<double>& p4);
 
@@ -101,7 +103,8 @@ public:
     bool Compute(const std::vector<MMPoint3d<double>>& points, const MMPoint3d<double>& center);
 
     /// The smallest sphere through three points, whose great circle is the circle through them.
-    /// False when they lie on a line, to one part in 2^40 of their distances, or are not finite.
+    /// False when they lie on a line, to one part in 2^40 of their distances, and when they or the
+    /// sphere are not finite.
     bool Fit(const MMPoint3d<double>& p1, const MMPoint3d<double>& p2, const MMPoint3d<double>& p3);
 
     /// The same for an array of three points.
