@@ -9,6 +9,7 @@
 #include "surface.h"
 #include "text.h"
 
+#include <algorithm>
 #include <cmath>
 #include <exception>
 #include <iostream>
@@ -21,14 +22,19 @@ namespace
 
 constexpr double kMostLevels = 10000.0;
 
+// Up to here whole numbers are exact, so that counting levels ends.
+constexpr double kMostSteps = 0x1p53;
+
 // Horizontal planes at the multiples of the step that lie within the surface.
 void AddLevels(std::vector<Section>& sections, const Surface& surface, double step)
 {
     const double low = surface.box.minZ + surface.centre.z;
     const double high = surface.box.maxZ + surface.centre.z;
-    if ((high - low) / step > kMostLevels)
+    if ((high - low) / step > kMostLevels ||
+        std::max(std::abs(low), std::abs(high)) / step >= kMostSteps)
         throw Failure("--levels: the step is too small for a surface of this height");
-    for (double n = std::ceil(low / step); n * step <= high; ++n) {
+    // The added zero takes the sign off a negative one.
+    for (double n = std::ceil(low / step) + 0.0; n * step <= high; ++n) {
         const bool isIndex = std::fmod(n, 5.0) == 0.0;
         sections.push_back(
             MakeSection(surface, "z = " + ShortNumber(n * step),
@@ -45,7 +51,7 @@ void CutAll(std::vector<Section>& sections, const Surface& surface, const Option
     const std::size_t total = sections.size();
     std::vector<Section> kept;
     for (std::size_t i = 0; i < total; ++i) {
-        progress.Show("section", i, total);
+        progress.Show(i + 1, total, total == 1 ? " section" : " sections");
         if (CutSurface(sections[i], surface, options, progress))
             kept.push_back(std::move(sections[i]));
         else if (!sections[i].IsLevel())
@@ -61,7 +67,7 @@ void Run(const Options& options)
 {
     Progress progress;
     progress.Begin("read");
-    const Surface surface = ReadSurface(options.surface);
+    const Surface surface = ReadSurface(options.surface, progress);
 
     std::vector<Section> sections;
     if (options.levelStep > 0.0)
@@ -85,6 +91,7 @@ void Run(const Options& options)
         WritePicture(options, surface, fit, sections);
         progress.End();
     }
+    progress.Wipe();
     WriteReport(std::cout, options, surface, fit, sections, progress);
 }
 
@@ -100,6 +107,8 @@ int main(int argc, char** argv)
             std::cout << section::kHelp;
         else
             section::Run(options);
+        if (!std::cout.flush())
+            throw section::Failure("cannot write the report");
         return 0;
     } catch (const std::exception& failure) {
         std::cerr << "section: " << failure.what() << '\n';

@@ -2,6 +2,7 @@
 
 #include "surface.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -44,18 +45,19 @@ std::vector<double> Numbers(const std::string& option, const std::string& text, 
     std::vector<double> numbers;
     const char* next = text.data();
     const char* const end = next + text.size();
+    bool isWhole = false;
     while (true) {
         double value = 0.0;
         const auto [stop, error] = std::from_chars(next, end, value);
-        if (error != std::errc() || !std::isfinite(value))
+        if (error != std::errc() || !(std::abs(value) <= kLargestNumber))
             break;
         numbers.push_back(value);
-        next = stop;
-        if (next == end || *next != ',')
+        isWhole = stop == end;
+        if (isWhole || *stop != ',')
             break;
-        ++next;
+        next = stop + 1;
     }
-    if (next != end || numbers.size() != count)
+    if (!isWhole || numbers.size() != count)
         throw Failure(option + " takes " + std::to_string(count) +
                       (count == 1 ? " number" : " numbers with commas between") + ", not '" + text +
                       "'");
@@ -66,10 +68,11 @@ void TakeOption(Options& options, const std::string& option, const std::string& 
 {
     if (option == "--plane") {
         const std::vector<double> n = Numbers(option, value, 4);
-        const MMPlaneEq<double> plane(n[0], n[1], n[2], n[3]);
-        if (!plane.IsPlane())
+        // In units of the largest component, so that no square overflows or vanishes.
+        const double largest = std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])});
+        if (largest == 0.0)
             throw Failure("--plane needs a normal that is not zero");
-        options.planes.push_back(plane);
+        options.planes.emplace_back(n[0] / largest, n[1] / largest, n[2] / largest, n[3] / largest);
     } else if (option == "--levels") {
         options.levelStep = Numbers(option, value, 1)[0];
         if (!(options.levelStep > 0.0))
@@ -103,7 +106,11 @@ Options ReadOptions(int argc, char** argv)
         {
             if (++i == argc)
                 throw Failure(word + " needs a value; see --help");
+            if (*argv[i] == '\0')
+                throw Failure(word + " needs a value that is not empty");
             TakeOption(options, word, argv[i]);
+        } else if (word.empty()) {
+            throw Failure("the name of the surface is empty");
         } else if (word.starts_with("-")) {
             throw Failure("there is no option " + word + "; see --help");
         } else if (!options.surface.empty()) {

@@ -17,17 +17,26 @@ void Progress::Begin(const std::string& step)
         _steps.emplace_back(step, 0.0);
     _stepBegun = Clock::now();
     _isRunning = true;
+    _Draw();
 }
 
-void Progress::Show(const std::string& what, std::size_t done, std::size_t total)
+void Progress::Show(std::size_t done, std::size_t total, const char* unit)
+{
+    _place = std::to_string(done) + " of " + std::to_string(total) + unit;
+    _Draw();
+}
+
+// Ten times a second at most.
+void Progress::_Draw()
 {
     using namespace std::chrono_literals;
     const Clock::time_point now = Clock::now();
-    if (now - _begun < 1s || now - _shown < 100ms || isatty(STDERR_FILENO) == 0)
+    if (now - _begun < 500ms || now - _shown < 100ms || isatty(STDERR_FILENO) == 0)
         return;
     _shown = now;
     _hasLine = true;
-    std::fprintf(stderr, "\r%s: %zu of %zu\033[K", what.c_str(), done, total);
+    const char* const step = _isRunning ? _steps[_current].first.c_str() : "";
+    std::fprintf(stderr, "\r%s  %s\033[K", _place.c_str(), step);
 }
 
 void Progress::End()
@@ -35,9 +44,18 @@ void Progress::End()
     if (_isRunning)
         _steps[_current].second += std::chrono::duration<double>(Clock::now() - _stepBegun).count();
     _isRunning = false;
+}
+
+void Progress::Wipe()
+{
     if (_hasLine)
         std::fputs("\r\033[K", stderr);
     _hasLine = false;
+}
+
+Progress::~Progress()
+{
+    Wipe();
 }
 
 } // namespace section

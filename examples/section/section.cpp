@@ -21,6 +21,10 @@ constexpr double kFrameExtent = 65536.0;
 // the joining distance: no piece may be so short that both its ends match the same end of another.
 constexpr double kSnapDistance = 0.01;
 
+// How far from the surface, in units of the frame, a slab may begin or end: single precision
+// overflows well beyond.
+constexpr double kFarthestClip = 1e15;
+
 struct CutPoint
 {
     float x;
@@ -107,6 +111,9 @@ void Clip(Section& section, const Surface& surface, const Options& options)
     const MMPoint3d<double> along = ends[1] - ends[0];
     if (along.LengthSquared() == 0.0)
         throw Failure("--clip: the two points have the same foot on the plane of " + section.name);
+    for (const MMPoint3d<double>& end : ends)
+        if (end.Length() > kFarthestClip)
+            throw Failure("--clip: the points are too far from the surface");
     const MMPoint3d<double> up(0.0, 0.0, 1.0);
     MFrame<float> frame;
     frame.origin = MMPoint3d<float>(ends[0]);

@@ -14,11 +14,17 @@ namespace section
 namespace
 {
 
+constexpr std::size_t kMegabyte = 1000000;
+
 // The words of a text, line by line, with the line number for complaints.
 class Lines
 {
 public:
-    Lines(std::string_view text, std::string_view name) : _rest(text), _name(name)
+    Lines(std::string_view text, std::string_view name, Progress& progress)
+        : _rest(text),
+          _name(name),
+          _size(text.size()),
+          _progress(progress)
     {}
 
     bool Next()
@@ -29,6 +35,10 @@ public:
         _line = _rest.substr(0, end);
         _rest = end == std::string_view::npos ? std::string_view() : _rest.substr(end + 1);
         ++_number;
+        if (const std::size_t megabytes = (_size - _rest.size()) / kMegabyte; megabytes > _shown) {
+            _shown = megabytes;
+            _progress.Show(megabytes, _size / kMegabyte, " MB");
+        }
         return true;
     }
 
@@ -46,8 +56,11 @@ public:
     {
         double value = 0.0;
         const auto [end, error] = std::from_chars(word.data(), word.data() + word.size(), value);
-        if (error != std::errc() || end != word.data() + word.size() || !std::isfinite(value))
+        if (error == std::errc::invalid_argument || end != word.data() + word.size() ||
+            std::isnan(value))
             Complain("'" + std::string(word) + "' is not a number");
+        if (error != std::errc() || std::abs(value) > kLargestNumber)
+            Complain("'" + std::string(word) + "' is out of range");
         return value;
     }
 
@@ -69,6 +82,9 @@ private:
     std::string_view _line;
     std::string_view _name;
     std::size_t _number = 0;
+    std::size_t _size;
+    std::size_t _shown = 0;
+    Progress& _progress;
 };
 
 std::string LowerCase(std::string_view word)
@@ -155,6 +171,8 @@ void ReadGrid(Lines& lines, Surface& surface)
         word = lines.Word();
         if (!word.empty() && !header.Take(LowerCase(word), lines))
             break;
+        if (const std::string_view extra = lines.Word(); !extra.empty())
+            lines.Complain("'" + std::string(extra) + "' is one word too many");
     }
     header.Check(lines);
     const auto columns = static_cast<std::size_t>(header.columns);
@@ -232,13 +250,17 @@ void Reduce(Surface& surface)
 
 } // namespace
 
-Surface ReadSurface(const std::string& path)
+Surface ReadSurface(const std::string& path, Progress& progress)
 {
     std::ifstream file(path, std::ios::binary);
-    if (!file)
+    // A folder opens like a file, and reading it fails.
+    file.peek();
+    if (!file.is_open() || file.bad())
         throw Failure("cannot read " + path);
     const std::string text{std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
-    Lines lines(text, path);
+    if (text.empty())
+        throw Failure(path + " is empty");
+    Lines lines(text, path, progress);
     Surface surface;
     if (path.size() >= 4 && LowerCase(path.substr(path.size() - 4)) == ".obj")
         ReadMesh(lines, surface);

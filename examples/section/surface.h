@@ -1,5 +1,7 @@
 #pragma once
 
+#include "progress.h"
+
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/foundation/point3d.h>
 
@@ -11,6 +13,10 @@
 
 namespace section
 {
+
+/// The largest magnitude of a number that is taken from a file or the command line: the
+/// powers that a fit takes of it stay finite.
+inline constexpr double kLargestNumber = 1e20;
 
 /// A failure that the user can mend; its text is the one line that the program prints.
 class Failure : public std::runtime_error
@@ -38,6 +44,6 @@ struct Surface
 /// Reads a height grid (text, `ncols`, `nrows`, `cellsize` or `dx` and `dy`, then the rows from
 /// north to south) or, by the ending `.obj`, a mesh (`v` and `f`). Throws `Failure` for a file that
 /// cannot be read, for a malformed line (with its number) and for a surface without triangles.
-Surface ReadSurface(const std::string& path);
+Surface ReadSurface(const std::string& path, Progress& progress);
 
 } // namespace section
