@@ -32,18 +32,21 @@ bool SphereCenter(Point& center, const Point& b, const Point& c, const Point& d)
     return true;
 }
 
-// The smallest ball through the chosen points; no ball (a negative radius) for flat ones.
-Ball BallThrough(const Point* const* chosen, std::size_t count)
+// The smallest ball through the first `count` points; no ball (a negative radius) for flat ones.
+Ball BallThrough(const std::array<Point, 4>& points, std::size_t count)
 {
-    const Point& a = *chosen[0];
+    const Point& a = points[0];
+    const Point b = points[1] - a;
+    const Point c = points[2] - a;
     Point center;
+    bool hasCenter = true;
     if (count == 2)
-        center = (*chosen[1] - a) * 0.5;
-    else if (count == 3 && !CircleCenter(center, *chosen[1] - a, *chosen[2] - a))
-        return {};
-    else if (count == 4 && !SphereCenter(center, *chosen[1] - a, *chosen[2] - a, *chosen[3] - a))
-        return {};
-    return {a + center, center.LengthSquared()};
+        center = b * 0.5;
+    else if (count == 3)
+        hasCenter = CircleCenter(center, b, c);
+    else if (count == 4)
+        hasCenter = SphereCenter(center, b, c, points[3] - a);
+    return hasCenter ? Ball{a + center, center.LengthSquared()} : Ball();
 }
 
 bool Holds(const Ball& ball, const BallSupport& support)
@@ -78,10 +81,10 @@ Ball AddToSupport(BallSupport& support, const Point& point)
         const auto count = static_cast<std::size_t>(std::popcount(subset));
         if (count > 4)
             continue;
-        const Point* chosen[4] = {};
+        std::array<Point, 4> chosen;
         for (std::size_t i = 0, used = 0; i < support.count; ++i)
             if ((subset >> i & 1) != 0)
-                chosen[used++] = &support.points[i];
+                chosen[used++] = support.points[i];
         const Ball ball = BallThrough(chosen, count);
         if (ball.squaredRadius >= 0.0 && Holds(ball, support) &&
             (bestSubset == 0 || ball.squaredRadius < best.squaredRadius))

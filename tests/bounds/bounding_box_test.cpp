@@ -121,6 +121,7 @@ long double ClippedExtent(const RealBox& box, const RealPoint triangle[3])
 {
     using Vertex = std::array<long double, 3>;
     std::vector<Vertex> polygon;
+    polygon.reserve(3);
     for (int i = 0; i < 3; ++i)
         polygon.push_back({triangle[i].x, triangle[i].y, triangle[i].z});
     for (int face = 0; face < 6; ++face) {
@@ -131,6 +132,7 @@ long double ClippedExtent(const RealBox& box, const RealPoint triangle[3])
             return sign * (v[static_cast<std::size_t>(axis)] - limit);
         };
         std::vector<Vertex> kept;
+        kept.reserve(2 * polygon.size());
         for (std::size_t i = 0; i < polygon.size(); ++i) {
             const Vertex& a = polygon[i];
             const Vertex& b = polygon[(i + 1) % polygon.size()];

@@ -100,8 +100,9 @@ TEST(Sphere, CapturesPointsInTheSmallestSphere)
     for (int round = 0; round < 60; ++round) {
         std::vector<Point> points;
         const int count = random.Integer(1, 40);
-        for (int i = 0; i < count; ++i)
-            points.push_back(random.Point(3.0) + Point(1000, 0, 0));
+        points.resize(static_cast<std::size_t>(count));
+        for (Point& point : points)
+            point = random.Point(3.0) + Point(1000, 0, 0);
         points.insert(points.end(), points.begin(), points.begin() + count / 2);
         MMSphere sphere;
         ASSERT_TRUE(sphere.CapturePoints(points));

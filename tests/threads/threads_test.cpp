@@ -40,7 +40,7 @@ Outcome DoJob(const MMTransformMatrix& shared)
 
         MMLeastSquarePlane fit;
         for (int i = 0; i < 100; ++i)
-            fit.AddPoint(i % 10, i / 10, round + 0.01 * (i % 3));
+            fit.AddPoint(i % 10, i % 7, round + 0.01 * (i % 3));
         outcome.offset += fit.GetPlane().D();
 
         M3dBorder<float, float> pieces;
