@@ -2,21 +2,6 @@
 
 #include <algorithm>
 
-namespace
-{
-
-// The cofactor of element (i, j), with cyclic indices: the sign is in the order of the rows.
-double Cofactor(const double (&a)[3][3], int i, int j)
-{
-    const int i1 = (i + 1) % 3;
-    const int i2 = (i + 2) % 3;
-    const int j1 = (j + 1) % 3;
-    const int j2 = (j + 2) % 3;
-    return a[i1][j1] * a[i2][j2] - a[i1][j2] * a[i2][j1];
-}
-
-} // namespace
-
 void MMatrix3x3::SetToZero()
 {
     *this = MMatrix3x3();
@@ -135,6 +120,16 @@ double MMatrix3x3::Determinant() const
            _a[0][2] * (_a[1][0] * _a[2][1] - _a[1][1] * _a[2][0]);
 }
 
+// With cyclic indices the sign is in the order of the rows.
+inline double MMatrix3x3::_GetCofactor(int row, int column) const
+{
+    const int i1 = (row + 1) % 3;
+    const int i2 = (row + 2) % 3;
+    const int j1 = (column + 1) % 3;
+    const int j2 = (column + 2) % 3;
+    return _a[i1][j1] * _a[i2][j2] - _a[i1][j2] * _a[i2][j1];
+}
+
 // No test of the determinant: what a singular matrix gives is not finite, and says so by itself.
 MMatrix3x3 MMatrix3x3::Inverse() const
 {
@@ -142,7 +137,7 @@ MMatrix3x3 MMatrix3x3::Inverse() const
     MMatrix3x3 result;
     for (int i = 0; i < 3; ++i) {
         for (int j = 0; j < 3; ++j)
-            result._a[i][j] = Cofactor(_a, j, i) / determinant;
+            result._a[i][j] = _GetCofactor(j, i) / determinant;
     }
     return result;
 }

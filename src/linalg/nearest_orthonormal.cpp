@@ -1,5 +1,3 @@
-#include "foundation/polynomial_roots.h"
-#include "linalg/singular_vector.h"
 #include "linalg/symmetric_jacobi.h"
 
 #include <norvek/foundation/constants.h>
@@ -95,55 +93,12 @@ MMatrix3x3 InverseRoot(const double* values, const Vector* vectors, int count)
     return result;
 }
 
-// The two eigenvalues beside one that is known to be zero: the characteristic cubic less that root.
-bool TwoEigenValues(const MMatrix3x3& m, double* values)
-{
-    const double minors = (m.Value(1, 1) * m.Value(2, 2) - m.Value(1, 2) * m.Value(2, 1)) +
-                          (m.Value(2, 2) * m.Value(0, 0) - m.Value(2, 0) * m.Value(0, 2)) +
-                          (m.Value(0, 0) * m.Value(1, 1) - m.Value(0, 1) * m.Value(1, 0));
-    const double coefficients[3]{-minors, m.Trace(), -1.0};
-    ComplexRoot roots[3];
-    PolynomialRoots(coefficients, roots);
-    const double tolerance = m.GetMaxEntry() * kEigenImaginary;
-    values[0] = roots[0].real;
-    values[1] = roots[1].real;
-    return std::abs(roots[0].imaginary) <= tolerance && std::abs(roots[1].imaginary) <= tolerance;
-}
-
-// The vectors of the two values; those of a double value are orthogonal by construction.
-bool TwoEigenVectors(const MMatrix3x3& m, const double* values, Vector* vectors)
-{
-    const ThreeVectors rows{m.GetRow(0), m.GetRow(1), m.GetRow(2)};
-    bool found = true;
-    for (int k = 0; k < 2; ++k) {
-        const ThreeVectors shifted = rows.Shifted(values[k]);
-        const double tolerance = shifted.MaxEntry() * kTenEpsilons;
-        const bool same = k == 1 && std::abs(values[1] - values[0]) <= kTenEpsilons;
-        vectors[k] = same ? SecondNullVector(shifted, vectors[0], tolerance)
-                          : NullVector(shifted, tolerance);
-        found = shifted.AllPerpendicular(vectors[k], tolerance) && found;
-    }
-    return found;
-}
-
 // The described thresholds on the values of a matrix of rank 2, in any order.
 bool HasRankTwo(double l0, double l1, double l2)
 {
     const double smallest = std::min({l0, l1, l2});
     const double middle = std::max(std::min(l0, l1), std::min(std::max(l0, l1), l2));
     return std::abs(smallest) <= kTenEpsilons && middle >= kTenEpsilons;
-}
-
-// P, the inverse root on the range of a matrix of rank 2, in closed form.
-bool ClosedPseudoRoot(const MMatrix3x3& m, MMatrix3x3& p)
-{
-    double values[2];
-    Vector vectors[2];
-    if (!TwoEigenValues(m, values) || !HasRankTwo(values[0], values[1], 0.0) ||
-        !TwoEigenVectors(m, values, vectors))
-        return false;
-    p = InverseRoot(values, vectors, 2);
-    return true;
 }
 
 // M^(-1/2) in closed form. `tooSmall` tells a value below the threshold from trouble with rounding.
@@ -158,34 +113,6 @@ bool ClosedRoot(const MMatrix3x3& m, MMatrix3x3& root, bool& tooSmall)
     if (tooSmall || !m.GetEigenVectors(vectors, values))
         return false;
     root = InverseRoot(values, vectors, 3);
-    return true;
-}
-
-// The polar factor in closed form. Its decision on the rank is absolute, so that what it returns is
-// only a proposal: the caller checks that it is orthonormal.
-bool ClosedNearest(const MMatrix3x3& a, MMatrix3x3& result)
-{
-    MMatrix3x3 m;
-    a.InvTransposeSquare(m);
-    const double determinant = m.Determinant();
-    const double largest = m.GetMaxEntry();
-    MMatrix3x3 root;
-    if (determinant * determinant > largest * largest * kMachineEpsilon) {
-        bool tooSmall = false;
-        if (!ClosedRoot(m, root, tooSmall))
-            return false;
-        root.PreMultiply(a);
-        result = root;
-        return true;
-    }
-    Vector u;
-    Vector w;
-    if (!ClosedPseudoRoot(m, root) || !a.GetLeftSingular(u) || !a.GetRightSingular(w))
-        return false;
-    const MMatrix3x3 x = a * root;
-    const MMatrix3x3 complement = Outer(u, w);
-    const MMatrix3x3 sum = x + complement;
-    result = sum.Determinant() > 0.0 ? sum : x - complement;
     return true;
 }
 
@@ -239,6 +166,44 @@ bool RobustNearest(MMatrix3x3 a, MMatrix3x3& result)
 
 } // namespace
 
+bool MMatrix3x3::_GetClosedPseudoRoot(MMatrix3x3& root) const
+{
+    double values[2];
+    Vector vectors[2];
+    if (!_GetTwoEigenvalues(values) || !HasRankTwo(values[0], values[1], 0.0) ||
+        !_GetTwoEigenVectors(vectors, values))
+        return false;
+    root = InverseRoot(values, vectors, 2);
+    return true;
+}
+
+// The decision on the rank is absolute, so that what comes out is only a proposal.
+bool MMatrix3x3::_GetClosedNearest(MMatrix3x3& result) const
+{
+    MMatrix3x3 m;
+    InvTransposeSquare(m);
+    const double determinant = m.Determinant();
+    const double largest = m.GetMaxEntry();
+    MMatrix3x3 root;
+    if (determinant * determinant > largest * largest * kMachineEpsilon) {
+        bool tooSmall = false;
+        if (!ClosedRoot(m, root, tooSmall))
+            return false;
+        root.PreMultiply(*this);
+        result = root;
+        return true;
+    }
+    Vector u;
+    Vector w;
+    if (!m._GetClosedPseudoRoot(root) || !GetLeftSingular(u) || !GetRightSingular(w))
+        return false;
+    const MMatrix3x3 x = *this * root;
+    const MMatrix3x3 complement = Outer(u, w);
+    const MMatrix3x3 sum = x + complement;
+    result = sum.Determinant() > 0.0 ? sum : x - complement;
+    return true;
+}
+
 bool MMatrix3x3::SquareRootInverse()
 {
     bool tooSmall = false;
@@ -259,7 +224,7 @@ bool MMatrix3x3::SquareRootInverse()
 bool MMatrix3x3::SquareRootPseudoInverse()
 {
     MMatrix3x3 root;
-    if (!ClosedPseudoRoot(*this, root)) {
+    if (!_GetClosedPseudoRoot(root)) {
         if (!IsSymmetric(*this))
             return false;
         const SymmetricEigen eigen = SolveSymmetric(*this);
@@ -275,7 +240,7 @@ bool MMatrix3x3::SquareRootPseudoInverse()
 bool MMatrix3x3::NearestOrthonormal(MMatrix3x3& result) const
 {
     MMatrix3x3 nearest;
-    const bool kept = ClosedNearest(*this, nearest) && IsOrthonormal(nearest);
+    const bool kept = _GetClosedNearest(nearest) && IsOrthonormal(nearest);
     if (!kept && !RobustNearest(*this, nearest))
         return false;
     result = nearest;

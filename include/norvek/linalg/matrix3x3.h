@@ -176,5 +176,38 @@ public:
     bool NearestOrthonormal(MMatrix3x3& result) const;
 
 private:
+    // The steps of the operations above. A vector is always written; true when it passes the test
+    // of `GetRightSingular`. Those that are inline are defined where they are used.
+
+    /// The unit eigenvector for `value`: the null vector of the matrix less `value` on its
+    /// diagonal.
+    inline bool _GetEigenVector(MMPoint3d<double>& v, double value) const;
+
+    /// The eigenvector for `value` that is orthogonal to `first`, which has the same value.
+    inline bool _GetSecondEigenvector(MMPoint3d<double>& v, double value,
+                                      const MMPoint3d<double>& first) const;
+
+    /// The vector that completes two orthogonal eigenvectors of a value that is there three times.
+    inline static MMPoint3d<double> _GetThirdEigenvector(const MMPoint3d<double>& first,
+                                                         const MMPoint3d<double>& second);
+
+    /// A second null vector, orthogonal to the null vector `first`.
+    inline bool _GetSecondRightSingular(MMPoint3d<double>& v, const MMPoint3d<double>& first) const;
+
+    /// The two eigenvalues beside one that is known to be 0; true as for `GetEigenValues`.
+    bool _GetTwoEigenvalues(double* const values) const;
+
+    /// The eigenvectors of these two values; those of a double value are orthogonal.
+    bool _GetTwoEigenVectors(MMPoint3d<double>* const vectors, const double* const values) const;
+
+    /// The cofactor of an element.
+    [[nodiscard]] inline double _GetCofactor(int row, int column) const;
+
+    /// The inverse square root on the range of a matrix of rank 2, in closed form.
+    bool _GetClosedPseudoRoot(MMatrix3x3& root) const;
+
+    /// The orthonormal factor in closed form, to be checked by the caller.
+    bool _GetClosedNearest(MMatrix3x3& result) const;
+
     double _a[3][3]{};
 };
