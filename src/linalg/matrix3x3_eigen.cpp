@@ -15,10 +15,10 @@ using Norvek::Math::Core::ThreeVectors;
 namespace
 {
 
-// Values that differ by no more than this count as one. Absolute.
+// Values that differ by no more than this count as one. Absolute. A NaN is like no other value.
 bool Distinct(double a, double b)
 {
-    return std::abs(a - b) > kTenEpsilons;
+    return !(std::abs(a - b) <= kTenEpsilons);
 }
 
 ThreeVectors Rows(const MMatrix3x3& matrix)

@@ -54,11 +54,13 @@ double LargestMagnitude(const MMatrix3x3& a)
     return largest;
 }
 
-// Symmetric but for rounding.
+// Finite, and symmetric but for rounding: beside an infinite entry no difference would count.
 bool IsSymmetric(const MMatrix3x3& a)
 {
-    const double tolerance = kTenEpsilons * LargestMagnitude(a);
-    return std::abs(a.Value(0, 1) - a.Value(1, 0)) <= tolerance &&
+    const double largest = LargestMagnitude(a);
+    const double tolerance = kTenEpsilons * largest;
+    return largest <= std::numeric_limits<double>::max() &&
+           std::abs(a.Value(0, 1) - a.Value(1, 0)) <= tolerance &&
            std::abs(a.Value(0, 2) - a.Value(2, 0)) <= tolerance &&
            std::abs(a.Value(1, 2) - a.Value(2, 1)) <= tolerance;
 }

@@ -237,24 +237,34 @@ TEST(NearestOrthonormal, RanksBelowThree)
     EXPECT_LT((ToEigen(r) - Eigen::Matrix3d::Identity()).norm(), 1e-14);
 }
 
-TEST(Matrix3x3, NonFiniteEntriesReturn)
+TEST(Matrix3x3, NonFiniteEntriesAreRefused)
 {
-    for (const double odd :
-         {std::numeric_limits<double>::quiet_NaN(), std::numeric_limits<double>::infinity(), 1e300})
-    {
+    constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+    for (const double odd : {nan, std::numeric_limits<double>::infinity(), 1e300}) {
         for (unsigned int k = 0; k < 9; ++k) {
             MMatrix3x3 a = Diagonal(1.0, 2.0, 3.0);
             a.Element(k / 3, k % 3) = odd;
             double values[3];
             Point vectors[3];
-            a.GetEigenValues(values);
-            a.GetEigenVectors(vectors, values);
+            const bool found = a.GetEigenValues(values) && a.GetEigenVectors(vectors, values);
             MMatrix3x3 result;
-            EXPECT_TRUE(odd == 1e300 || !a.NearestOrthonormal(result));
-            a.SquareRootPseudoInverse();
-            a.SquareRootInverse();
+            const bool nearest = a.NearestOrthonormal(result);
+            const bool rooted = a.SquareRootPseudoInverse() || a.SquareRootInverse();
+            EXPECT_TRUE(odd == 1e300 || !(found || nearest || rooted)) << odd << " at " << k;
         }
     }
+    // A NaN among the values is not equal to the others.
+    for (const auto& v : {std::array{nan, nan, nan}, {5.0, 5.0, nan}, {nan, 5.0, 5.0}}) {
+        double values[3]{v[0], v[1], v[2]};
+        Point vectors[3];
+        EXPECT_FALSE(Diagonal(5.0, 5.0, 1.0).GetEigenVectors(vectors, values));
+    }
+    // The cubic overflows; its roots must not be made up.
+    MMatrix3x3 huge = Diagonal(1e60, 4e60, 9e60);
+    double values[3];
+    EXPECT_FALSE(huge.GetEigenValues(values));
+    EXPECT_TRUE(huge.SquareRootInverse());
+    EXPECT_NEAR(huge.Value(1, 1), 0.5e-30, 1e-45);
 }
 
 TEST(Matrix2x2, KeepsItsThresholds)
