@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <new>
 
 namespace Norvek::Math::Core
 {
@@ -69,17 +68,25 @@ void SubtractAndProject(const double* q, const double* next, double* tile, std::
 
 } // namespace
 
-GramSchmidt::GramSchmidt(std::size_t rows, std::size_t columns)
-    : _rows(rows),
-      _columns(columns),
-      _workspace(new double[rows * columns + columns * columns + rows * kTile]),
-      _q(_workspace.get()),
-      _r(_q + rows * columns),
-      _tile(_r + columns * columns)
-{}
-
-void GramSchmidt::Factorise(const double* values)
+// R of a wide matrix is much larger than the matrix: that there is room for one says nothing about
+// the other.
+bool GramSchmidt::_Allocate()
 {
+    constexpr std::size_t limit = std::size_t{1} << 60;
+    if (_columns > limit / (_rows + _columns + 1) ||
+        !_workspace.Resize(_rows * _columns + _columns * _columns + _rows * kTile + _columns))
+        return false;
+    _q = _workspace.Values();
+    _r = _q + _rows * _columns;
+    _tile = _r + _columns * _columns;
+    _projected = _tile + _rows * kTile;
+    return true;
+}
+
+bool GramSchmidt::Factorise(const double* values)
+{
+    if (!_Allocate())
+        return false;
     for (std::size_t first = 0; first < _columns; first += kTile) {
         const std::size_t width = std::min(kTile, _columns - first);
         _LoadTile(values, first, width);
@@ -95,6 +102,7 @@ void GramSchmidt::Factorise(const double* values)
             Subtract(QColumn(k), _projections, _tile, _rows);
         }
     }
+    return true;
 }
 
 // Lanes beyond the last column are filled with zeros, which stay zeros and are never stored.
@@ -147,7 +155,7 @@ void GramSchmidt::_StoreProjections(std::size_t k, std::size_t first, std::size_
         _r[k * _columns + first + c] = _projections[c];
 }
 
-void GramSchmidt::ProjectOnQ(const double* b, double* result) const
+const double* GramSchmidt::ProjectOnQ(const double* b)
 {
     std::size_t k = 0;
     // Four sums side by side, each in its own order.
@@ -158,14 +166,15 @@ void GramSchmidt::ProjectOnQ(const double* b, double* result) const
             for (std::size_t c = 0; c < 4; ++c)
                 sums[c] += q[c * _rows + i] * b[i];
         }
-        std::copy_n(sums, 4, result + k);
+        std::copy_n(sums, 4, _projected + k);
     }
     for (; k < _columns; ++k) {
         double sum = 0.0;
         for (std::size_t i = 0; i < _rows; ++i)
             sum += QColumn(k)[i] * b[i];
-        result[k] = sum;
+        _projected[k] = sum;
     }
+    return _projected;
 }
 
 } // namespace Norvek::Math::Core

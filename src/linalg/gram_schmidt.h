@@ -1,7 +1,8 @@
 #pragma once
 
+#include <norvek/linalg/matrix_storage.h>
+
 #include <cstddef>
-#include <memory>
 
 namespace Norvek::Math::Core
 {
@@ -20,11 +21,12 @@ namespace Norvek::Math::Core
 class GramSchmidt
 {
 public:
-    /// Allocates; throws `std::bad_alloc` when there is no memory.
-    GramSchmidt(std::size_t rows, std::size_t columns);
+    GramSchmidt(std::size_t rows, std::size_t columns) : _rows(rows), _columns(columns)
+    {}
 
-    /// Factorises `rows` x `columns` values that lie row by row.
-    void Factorise(const double* values);
+    /// Factorises `rows` x `columns` values that lie row by row. False when there is no memory for
+    /// the factors.
+    bool Factorise(const double* values);
 
     /// Column k of Q: `rows` values side by side.
     [[nodiscard]] const double* QColumn(std::size_t k) const
@@ -38,10 +40,11 @@ public:
         return _r + k * _columns + k;
     }
 
-    /// Writes the n values of Q' b.
-    void ProjectOnQ(const double* b, double* result) const;
+    /// The n values of Q' b, valid until the next call.
+    const double* ProjectOnQ(const double* b);
 
 private:
+    bool _Allocate();
     void _LoadTile(const double* values, std::size_t first, std::size_t width);
     void _TakeEarlier(std::size_t first, std::size_t width);
     void _FinishColumn(std::size_t first, std::size_t lane);
@@ -49,10 +52,11 @@ private:
 
     std::size_t _rows;
     std::size_t _columns;
-    std::unique_ptr<double[]> _workspace;
-    double* _q;
-    double* _r;
-    double* _tile;
+    MatrixStorage _workspace;
+    double* _q = nullptr;
+    double* _r = nullptr;
+    double* _tile = nullptr;
+    double* _projected = nullptr;
     double _projections[8]{};
 };
 

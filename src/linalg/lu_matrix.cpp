@@ -37,7 +37,9 @@ bool MLUMatrix::SolveLUxy(double* const b) const
     const std::size_t n = _rows;
     if (n == 0)
         return true;
-    assert(_columns >= n);
+    // The factors of a matrix with more rows than columns hold no triangle of that order.
+    if (_columns < n)
+        return false;
     const std::size_t stride = _columns;
     const double* const lu = _storage.Values();
 

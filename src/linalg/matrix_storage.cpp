@@ -14,7 +14,9 @@ MatrixStorage::MatrixStorage(std::size_t count)
         throw std::bad_alloc();
 }
 
-MatrixStorage::MatrixStorage(double* values, std::size_t count) : _values(values), _count(count)
+MatrixStorage::MatrixStorage(double* values, std::size_t count)
+    : _values(values),
+      _count(values == nullptr ? 0 : count)
 {}
 
 MatrixStorage::MatrixStorage(const MatrixStorage& other)

@@ -13,10 +13,8 @@ bool MGeneralMatrix::FactoriseQR(MGeneralMatrix& q, MGeneralMatrix& r) const
     if (rows == 0 || columns == 0)
         return false;
     GramSchmidt factors(rows, columns);
-    factors.Factorise(_storage.Values());
-
-    // From here on this matrix is not read again: Q or R may be it.
-    if (!q.SetDimensions(rows, columns))
+    // After the factorisation this matrix is not read again: Q or R may be it.
+    if (!factors.Factorise(_storage.Values()) || !q.SetDimensions(rows, columns))
         return false;
     for (unsigned int i = 0; i < rows; ++i) {
         for (unsigned int k = 0; k < columns; ++k)
@@ -38,11 +36,11 @@ bool MGeneralMatrix::SolveLeastSquare(double* b, double* x) const
     if (_rows == 0 || n == 0)
         return false;
     GramSchmidt factors(_rows, n);
-    factors.Factorise(_storage.Values());
+    if (!factors.Factorise(_storage.Values()))
+        return false;
 
     // b is read whole before x is written: they may be one array.
-    std::vector<double> projected(n);
-    factors.ProjectOnQ(b, projected.data());
+    const double* const projected = factors.ProjectOnQ(b);
     for (std::size_t i = n; i-- > 0;) {
         const double* const row = factors.RRow(i);
         double sum = 0.0;

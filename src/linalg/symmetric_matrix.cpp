@@ -1,7 +1,7 @@
 #include <norvek/linalg/symmetric_matrix.h>
 
 #include <algorithm>
-#include <new>
+#include <cmath>
 
 MSymmetricMatrix::MSymmetricMatrix(unsigned int order)
     : MMatrix(order, order),
@@ -68,4 +68,23 @@ double MSymmetricMatrix::GetOffDiagonalEuclidNormSq() const
         }
     }
     return sum;
+}
+
+// The half above the diagonal is enough: below it, every value was met before and no longer exceeds
+// the largest.
+void MSymmetricMatrix::ChooseJacobiIndices(unsigned int& p, unsigned int& q) const
+{
+    p = 0;
+    q = 0;
+    double largest = 0.0;
+    for (unsigned int i = 0; i < _rows; ++i) {
+        for (unsigned int j = i + 1; j < _columns; ++j) {
+            const double magnitude = std::abs(_storage.Values()[_Index(i, j)]);
+            if (magnitude > largest) {
+                largest = magnitude;
+                p = i;
+                q = j;
+            }
+        }
+    }
 }

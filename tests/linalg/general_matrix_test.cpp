@@ -214,6 +214,10 @@ TEST(LU, SolvesAndKeepsItsRulesOnPivots)
     EXPECT_FALSE(lu.SolveLUxy(b));
     EXPECT_TRUE(tie.FactoriseLU(lu));
     EXPECT_EQ(RowByRow(lu), (Values{-1.0, 2.0, -1.0, 7.0}));
+    MGeneralMatrix tall = RandomMatrix(random, 9, 5);
+    EXPECT_TRUE(tall.FactoriseLU(lu));
+    Values right(9, 1.0);
+    EXPECT_FALSE(lu.SolveLUxy(right.data()));
 }
 
 TEST(QR, TilesHaveTheBitsOfThePlainLoopsAndOperandsMayBeTheMatrix)
@@ -347,6 +351,16 @@ TEST(SymmetricMatrix, StoresEachPairOnce)
     MSymmetricMatrix damped;
     s.MultiplyDiagonal(damped, 1.5);
     EXPECT_EQ(RowByRow(damped), (Values{0, 2, 0, 2, 0, 0, 0, 0, 4.5}));
+    unsigned int p = 7;
+    unsigned int q = 7;
+    MSymmetricMatrix().ChooseJacobiIndices(p, q);
+    EXPECT_EQ(p + q, 0U);
+    s(2, 1) = -2.0;
+    s.ChooseJacobiIndices(p, q);
+    EXPECT_EQ(std::pair(p, q), std::pair(0U, 1U));
+    s(2, 1) = -2.5;
+    s.ChooseJacobiIndices(p, q);
+    EXPECT_EQ(std::pair(p, q), std::pair(1U, 2U));
     s.MultiplyDiagonal(s, 2.0);
     EXPECT_EQ(s.Value(2, 2), 6.0);
     s.CleanUp();

@@ -16,8 +16,10 @@ class MSymmetricMatrix;
 /// bits are those of the plain loops. Dimensions are never checked against each other: operands
 /// that do not match are a precondition violation.
 ///
-/// Trouble is reported by a `bool`. Nothing throws but the constructors and copies, which pass on
-/// `std::bad_alloc`.
+/// Trouble is reported by a `bool`. Nothing throws but `std::bad_alloc`, and that only where a
+/// matrix or a vector is made, copied or sized other than by `SetDimensions`: constructors,
+/// assignment,
+/// `+` and `*`, vector results, and the little room that `Determinant` and `FactoriseLU` take.
 class NORVEK_MATH_API MGeneralMatrix : public MMatrix
 {
 public:
@@ -87,7 +89,7 @@ public:
     /// Adds element by element, over the rows and columns of this matrix.
     MGeneralMatrix& operator+=(const MGeneralMatrix& other);
 
-    /// Every value multiplied, or divided, by the scalar.
+    /// Multiplies every element.
     MGeneralMatrix& operator*=(double factor);
 
     /// Divides every element.
@@ -130,13 +132,13 @@ public:
 
     /// The x (columns values) that minimises |A x - b| (b: rows values), by `FactoriseQR`.
     ///
-    /// `x` may be `b`. False for an empty matrix, `x` untouched. Dependent columns are not
-    /// detected: they give non-finite or large values.
+    /// `x` may be `b`. False for an empty matrix or when there is no memory, `x` untouched.
+    /// Dependent columns are not detected: they give non-finite or large values.
     bool SolveLeastSquare(double* b, double* x) const;
 
     /// Makes this matrix (square) the reflection I - 2 v v' / (v' v), v with as many values as
-    /// the matrix has rows. False, and nothing changed, when v' v is not above 3 n machine
-    /// epsilons.
+    /// the matrix has rows, none of them an element of the matrix. False, and nothing changed, when
+    /// v' v is not above 3 n machine epsilons.
     bool HouseholderReflection(double* const v);
 
     /// Power iteration on this square matrix, from (1, 1, ...): a vector along the eigenvector of

@@ -16,7 +16,8 @@ public:
     /// side on entry and x on return.
     ///
     /// False when the magnitude of a diagonal element of U is below the machine epsilon; `b` is
-    /// partly overwritten then. Order 0 is true at once. Cost: 2 n^2.
+    /// partly overwritten then. False as well, `b` untouched, when the matrix has more rows than
+    /// columns. Order 0 is true at once. Cost: 2 n^2.
     bool SolveLUxy(double* const b) const;
 
 private:

@@ -51,7 +51,7 @@ public:
         return _a[row][column];
     }
 
-    /// Every value multiplied, or divided, by the scalar.
+    /// Multiplies every element.
     MMatrix3x3& operator*=(double factor);
 
     /// Divides every element.
@@ -148,7 +148,8 @@ public:
     /// for rank 1 a perpendicular to the longest row; (1, 0, 0) for the zero matrix.
     ///
     /// `v` is always written. True when |row . v| is at most ten machine epsilons times the
-    /// largest entry for all three rows.
+    /// largest entry for all three rows. With entries beyond about 1e77 the cross products
+    /// overflow, and `v` may be 0 though the result is true; scale such a matrix first.
     bool GetRightSingular(MMPoint3d<double>& v) const;
 
     /// A unit vector u with u' A = 0: the same on the columns, except that the last test is against

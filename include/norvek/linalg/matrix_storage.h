@@ -23,7 +23,7 @@ public:
     /// memory.
     explicit MatrixStorage(std::size_t count);
 
-    /// Takes over `values`, which came from array new and holds `count` values.
+    /// Takes over `values`, which came from array new and holds `count` values; null is no array.
     MatrixStorage(double* values, std::size_t count);
 
     /// Copies the values; no array stays no array.

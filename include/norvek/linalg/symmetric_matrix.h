@@ -52,8 +52,7 @@ public:
     void SetToZero();
 
     /// Makes `target` a copy of this matrix whose diagonal is multiplied by `factor`: the step that
-    /// damps normal equations. `target` may be this matrix; it keeps
-    /// storage of the same order.
+    /// damps normal equations. `target` may be this matrix; storage of the same order is kept.
     void MultiplyDiagonal(MSymmetricMatrix& target, double factor) const;
 
     /// The sum of the squares of all n^2 elements, so that values off the diagonal count twice; row
@@ -62,6 +61,11 @@ public:
 
     /// The same sum without the diagonal.
     [[nodiscard]] double GetOffDiagonalEuclidNormSq() const;
+
+    /// The position p < q of the element off the diagonal that is largest in magnitude; of equal
+    /// ones the first, row by row. Both 0 when nothing off the diagonal differs from 0. NaN does
+    /// not count. Cost: n^2 / 2.
+    void ChooseJacobiIndices(unsigned int& p, unsigned int& q) const;
 
 private:
     friend class MGeneralMatrix;
