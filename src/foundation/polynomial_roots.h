@@ -27,8 +27,9 @@ struct ComplexRoot
 /// 0, and nothing written, for degree 0 and for a degree above 3. `roots` has room for three.
 /// Double roots come out with half the digits. A complex pair may lose all of them: for q > 0 and a
 /// small p the difference s - q cancels (x^3 + 8 gives three zeros). Callers look for real roots.
-/// A NaN does not count towards the degree; below the leading coefficient, non-finite values give
-/// non-finite roots, and so does a cubic whose discriminant overflows (roots beyond about 1e51).
+/// A NaN does not count towards the degree. A cubic whose discriminant is not a number (a NaN below
+/// the leading coefficient, roots beyond about 1e51) gives three equal roots: their mean, which may
+/// be finite and is no root.
 int PolynomialRoots(std::span<const double> coefficients, std::span<ComplexRoot, 3> roots);
 
 /// The three roots of b0 + b1 x + b2 x^2 + x^3, as above for degree 3. A caller whose leading

@@ -15,10 +15,16 @@ using Norvek::Math::Core::ThreeVectors;
 namespace
 {
 
-// Values that differ by no more than this count as one. Absolute. A NaN is like no other value.
+// Values that differ by no more than this count as one. Absolute. NaN is neither equal to another
+// value nor distinct from it.
+bool Equal(double a, double b)
+{
+    return std::abs(a - b) <= kTenEpsilons;
+}
+
 bool Distinct(double a, double b)
 {
-    return !(std::abs(a - b) <= kTenEpsilons);
+    return std::abs(a - b) > kTenEpsilons;
 }
 
 ThreeVectors Rows(const MMatrix3x3& matrix)
@@ -99,7 +105,7 @@ inline MMPoint3d<double> MMatrix3x3::_GetThirdEigenvector(const MMPoint3d<double
 // vector of the value that stands apart and does not ask about the others.
 bool MMatrix3x3::GetEigenVectors(MMPoint3d<double>* const vectors, double* const values) const
 {
-    if (!Distinct(values[0], values[1]) && !Distinct(values[1], values[2])) {
+    if (Equal(values[0], values[1]) && Equal(values[1], values[2])) {
         vectors[0] = {1.0, 0.0, 0.0};
         vectors[1] = {0.0, 1.0, 0.0};
         vectors[2] = {0.0, 0.0, 1.0};

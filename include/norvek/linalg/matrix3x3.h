@@ -17,8 +17,9 @@
 /// `SquareRootInverse`, `SquareRootPseudoInverse` and `NearestOrthonormal` do not depend on that:
 /// they go on with Jacobi rotations where the closed form gives up.
 ///
-/// Non-finite entries give false or non-finite values. So do eigenvalues of matrices with entries
-/// beyond about 1e51, whose cubic overflows. Indices are 0 to 2, asserted only.
+/// The closed form has no test for overflow: NaN entries, and entries beyond about 1e51, whose
+/// cubic overflows, can give a third of the trace as all three eigenvalues, and true. Check what
+/// you pass. Indices are 0 to 2, asserted only.
 class NORVEK_MATH_API MMatrix3x3
 {
 public:
@@ -140,8 +141,7 @@ public:
     ///
     /// Values that differ by at most ten machine epsilons count as one, and get orthogonal vectors;
     /// the third value is compared with the first too, for the order (large, small, large). All
-    /// three vectors are always written. True when each passes the test of `GetRightSingular`;
-    /// never for a value that is NaN.
+    /// three vectors are always written. True when each passes the test of `GetRightSingular`.
     bool GetEigenVectors(MMPoint3d<double>* const vectors, double* const values) const;
 
     /// A unit vector v with A v = 0, for a singular matrix: the longest cross product of two rows;
