@@ -60,7 +60,8 @@ bool IsRotationMatrix(const Matrix4& m)
     return HasOrthogonalColumns(m, kTenEpsilons);
 }
 
-// The tolerance is absolute: a rotation scaled by much more than 1 rarely passes and is General.
+// The tolerance is absolute: a rotation scaled by much more than 1 rarely passes and is General,
+// and columns shorter than its root always pass.
 bool IsScaledRotationMatrix(const Matrix4& m)
 {
     const double squared = DotColumns(m, 0, 0);

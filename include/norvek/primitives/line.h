@@ -9,9 +9,9 @@
 ///
 /// Infinite for every query, except where a flag asks for the segment between the points. Two equal
 /// points are allowed: the direction is zero then, and such a line is parallel to every other.
-/// Lengths neither overflow nor underflow. Tolerances are the caller's; every comparison with one
-/// is strict, so that at tolerance 0 a line is not even parallel to itself. A query that fails
-/// leaves its output as it was, unless stated.
+/// Lengths do not overflow or underflow on the way to a result that a double can hold. Tolerances
+/// are the caller's; every comparison with one is strict, so that at tolerance 0 a line is not even
+/// parallel to itself. A query that fails leaves its output as it was, unless stated.
 class NORVEK_MATH_API MMLine
 {
 public:
@@ -97,7 +97,8 @@ public:
     ///
     /// False, with `out` untouched, when they are parallel (a sine below the fixed 0.001) or the
     /// perpendicular is longer than `tolerance`. With `segments` the point must lie on both
-    /// segments by `IsPointOnLine`; when that fails, `out` is written all the same.
+    /// segments by `IsPointOnLine`; when that fails, `out` is written all the same. Without, NaN
+    /// coordinates are not refused: the answer can be true with a NaN point.
     bool GetIntersectionPoint(const MMLine& other, MMPoint3d<double>& out, double tolerance,
                               bool segments) const;
 

@@ -5,10 +5,11 @@
 
 /// A line in the plane through two points, or the segment between them.
 ///
-/// Lengths neither overflow nor underflow. Two equal points are allowed: the direction is zero
-/// then. Tolerances are the caller's, and what each is compared with is stated with the query:
-/// lengths, sines, cosines or raw determinants. A query that fails leaves its output as it was,
-/// unless stated; an output may be one of the line's own points.
+/// Lengths do not overflow or underflow on the way to a result that a double can hold. Two equal
+/// points are allowed: the direction is zero then. Tolerances are the caller's, and what each is
+/// compared with is stated with the query: lengths, sines, cosines or raw determinants. A query
+/// that fails leaves its output as it was, unless stated; an output may be one of the line's own
+/// points.
 ///
 /// What looks true and is not: two vertical lines that run in opposite directions are not parallel;
 /// a line is not coincident with one that starts at the same point, itself included; the first
@@ -103,7 +104,7 @@ public:
     [[nodiscard]] bool IsPointOnLineSegment(const MMPoint2d<double>& point, double tolerance) const;
 
     /// Meets two infinite lines. False when the magnitude of the cross product of their (unscaled)
-    /// directions is below `tolerance`.
+    /// directions is below `tolerance`. NaN coordinates are not refused: true with a NaN point.
     bool GetIntersectionPoint(MMPoint2d<double>& out, const MMLine2D& other,
                               double tolerance) const;
 

@@ -15,8 +15,9 @@ class MMTransform;
 ///
 /// Holds after construction and `Set`: the normal has unit length, or is exactly zero; then the
 /// equation is no plane (`IsPlane` false). Does not hold after the coefficients were written
-/// directly, until `Normalise`. The normal's length is a plain root, so that coordinates beyond
-/// about 1e154 overflow. Nothing throws by itself; NaN in gives NaN out.
+/// directly, until `Normalise`. The normal's length is a plain root: beyond about 1e154 it
+/// overflows and leaves no plane, below about 1e-154 it loses digits, and below 1e-162 it counts as
+/// zero, so that nothing is divided. Nothing throws by itself; NaN in gives NaN out.
 template <class T>
 class NORVEK_MATH_API MMPlaneEq
 {

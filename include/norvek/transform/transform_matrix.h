@@ -13,10 +13,10 @@
 /// whether there is an inverse.
 ///
 /// Invariant after every operation except the raw setters (`SetElement`, `AccessElement`,
-/// `SetHomogeneous`): the kind fits the matrix, and M M^-1 = 1 when `IsInversible()`. Four cases
+/// `SetHomogeneous`): the kind fits the matrix, and M M^-1 = 1 when `IsInversible()`. Five cases
 /// break it on purpose, all described at their place: `Scale1D` after a translation keeps old
-/// entries of the inverse, `ScaleTranslation` and `MakeRotation(m)` do not reclassify, and products
-/// do not recompute the invertible flag.
+/// entries of the inverse, `ScaleTranslation` and `MakeRotation(m)` do not reclassify, products do
+/// not recompute the invertible flag, and small matrices without translation pass for `OrthoGonal`.
 ///
 /// Laws: (a * b)(p) = a(b(p)); a * (b * c) = (a * b) * c to rounding; `Invert` twice gives the old
 /// matrix bit for bit. Not a law: a * b = b * a.
@@ -115,8 +115,9 @@ public:
     /// Applies the rotation of `MakeRotationZYX` after the present transform.
     bool DoRotationZYX(double ax, double ay, double az);
 
-    /// The right-handed rotation by `angle` radians about the line through `center` along `axis`,
-    /// which may have any length (Rodrigues' formula). False, and unchanged, for a zero axis.
+    /// The right-handed rotation by `angle` radians about the line through `center` along `axis`
+    /// (Rodrigues' formula). The axis may have any length that a normal double can hold; with one
+    /// beyond or below the result is no rotation. False, and unchanged, for a zero axis.
     ///
     /// The bottom row stays as it was. On a matrix with a bottom row other than (0, 0, 0, 1) the
     /// centre is sent through as a direction, divided by its w; w = 0 throws
@@ -144,7 +145,8 @@ public:
 
     /// The rigid frame at `origin` whose x axis points to `point`: (0, 0, 0) goes to `origin` and
     /// (1, 0, 0) to the unit direction from there. The turn is that of `MakeRotationInPlane`
-    /// without a normal. Without a direction (coincident points) the frame is not turned.
+    /// without a normal. Without a direction (the points coincide to one machine epsilon, or their
+    /// difference is not finite) the frame is not turned.
     bool MakeNewXAxis(const MMPoint3d<double>& origin, const MMPoint3d<double>& point);
 
     /// The same for the y axis.
@@ -154,8 +156,9 @@ public:
     bool MakeNewZAxis(const MMPoint3d<double>& origin, const MMPoint3d<double>& point);
 
     /// Maps the box x in [a1, a2], y in [a3, a4], z in [a5, a6] to [-1, 1] on each axis: the centre
-    /// goes to 0, x keeps its sense and y and z are turned round (the difference is meant). False,
-    /// and unchanged, when two limits of an axis are equal.
+    /// goes to 0, x keeps its sense and y and z are turned round (the difference is meant). Equal
+    /// scales on all axes leave entries of an old inverse, see `ComputeInverse`. False, and
+    /// unchanged, when two limits of an axis are equal.
     bool MakeOrthoGraphicProjection(double a1, double a2, double a3, double a4, double a5,
                                     double a6);
 
@@ -217,9 +220,10 @@ public:
     ///
     /// The kinds are inverted in closed form, `General` by Gauss-Jordan elimination with partial
     /// pivoting. Only exact zeros fail, no tolerance is used: near singularity is the caller's to
-    /// judge. `Scale1D` writes neither the translation column nor the first three elements of the
-    /// bottom row of the inverse: they keep what the inverse held before (after a translation they
-    /// are stale, and `InverseTransform` adds them).
+    /// judge. The inverse is right where the kind is; `MMTransformMatrixClass::OrthoGonal` tells of
+    /// small matrices for which it is not. `Scale1D` writes neither the translation column nor the
+    /// first three elements of the bottom row of the inverse: they keep what the inverse held
+    /// before (after a translation they are stale, and `InverseTransform` adds them).
     virtual bool ComputeInverse();
 
     /// Transposes the whole 4x4 matrix; closing step.

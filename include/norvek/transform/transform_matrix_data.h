@@ -20,8 +20,10 @@ enum class MMTransformMatrixClass : std::int32_t
     /// epsilons; any translation; bottom row exactly (0, 0, 0, 1). A mirrored rotation fits as
     /// well.
     OrthoNormal,
-    /// Columns mutually orthogonal and of equal squared length within one machine epsilon
-    /// (absolute: the units matter); translation exactly 0, bottom row exactly (0, 0, 0, 1).
+    /// Columns mutually orthogonal and of equal squared length within one machine epsilon;
+    /// translation exactly 0, bottom row exactly (0, 0, 0, 1). The tolerance is absolute, so that
+    /// the units matter: columns shorter than 1.49e-8 pass whatever their angles, singular ones
+    /// included, and such a matrix reports invertible with an inverse that does not undo it.
     OrthoGonal,
     /// Exactly diag(s, s, s, 1).
     Scale1D,
