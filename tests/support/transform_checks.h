@@ -4,24 +4,50 @@
 
 #include <Eigen/Core>
 
+#include <vector>
+
 namespace norvek_test
 {
 
-/// The 3x3 part of a transform matrix.
-inline Eigen::Matrix3d Part(const MMTransformMatrix& matrix)
+using Matrix4 = Eigen::Matrix<double, 4, 4, Eigen::RowMajor>;
+
+/// Rows 0 to 2 or all four, loaded over another matrix.
+template <class Matrix = MMTransformMatrix>
+Matrix Load(std::vector<double> rows, Matrix matrix = Matrix())
 {
-    Eigen::Matrix3d m;
-    for (unsigned short i = 0; i < 3; ++i) {
-        for (unsigned short j = 0; j < 3; ++j)
-            m(i, j) = matrix.GetElement(i, j, false);
-    }
+    if (rows.size() == 12)
+        rows.insert(rows.end(), {0, 0, 0, 1});
+    matrix.MakeFromDouble16(rows.data());
+    return matrix;
+}
+
+/// The matrix or its inverse.
+inline Matrix4 Elements(const MMTransformMatrix& matrix, bool ofInverse = false)
+{
+    Matrix4 m;
+    for (unsigned short i = 0; i < 16; ++i)
+        m(i / 4, i % 4) = matrix.GetElement(i / 4, i % 4, ofInverse);
     return m;
 }
 
+/// The 3x3 part.
+inline Eigen::Matrix3d Part(const MMTransformMatrix& matrix)
+{
+    return Elements(matrix).topLeftCorner<3, 3>();
+}
+
 /// The largest difference of two elements.
-inline double Difference(const Eigen::Matrix3d& a, const Eigen::Matrix3d& b)
+template <class Matrix>
+double Difference(const Matrix& a, const Matrix& b)
 {
     return (a - b).cwiseAbs().maxCoeff();
+}
+
+/// How far matrix times inverse is from the unit matrix.
+inline double InverseError(const MMTransformMatrix& matrix)
+{
+    const Matrix4 product = Elements(matrix) * Elements(matrix, true);
+    return Difference<Matrix4>(product, Matrix4::Identity());
 }
 
 inline double Distance(const MMPoint3d<double>& a, const MMPoint3d<double>& b)

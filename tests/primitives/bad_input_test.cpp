@@ -1,0 +1,94 @@
+#include "support/random.h"
+
+#include <norvek/bounds/bounding_box.h>
+#include <norvek/primitives/line.h>
+#include <norvek/primitives/line2d.h>
+#include <norvek/primitives/plane.h>
+#include <norvek/transform/transform_exception.h>
+#include <norvek/transform/transform_matrix.h>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace
+{
+
+using Point = MMPoint3d<double>;
+
+// Becomes whatever number or point a call asks for, plain or hostile.
+struct Anything
+{
+    mutable norvek_test::Random random{503};
+
+    operator double() const
+    {
+        const double values[] = {0, 1, -2, NAN, INFINITY, -INFINITY, 1e308, -1e308, 1e-310};
+        return values[random.Integer(0, 8)];
+    }
+    operator Point() const
+    {
+        return {double{*this}, double{*this}, double{*this}};
+    }
+    operator MMPoint2d<double>() const
+    {
+        return {double{*this}, double{*this}};
+    }
+};
+
+// Nothing is expected of the results: every call returns, or throws what it may throw.
+TEST(BadInput, EveryCallReturns)
+{
+    const Anything n;
+    const auto run = [](const auto&... /*results*/) {
+    };
+    for (int i = 0; i < 20000; ++i) {
+        double rows[16];
+        float parts[6][3];
+        for (double& element : rows)
+            element = n;
+        MMTransformMatrix m;
+        MMTransformMatrix k;
+        Point p;
+        M3DBoundingBox<float> box;
+        std::vector<Point> points(9, n);
+        m.MakeFromDouble16(rows);
+        k.MakeFromDouble12(rows);
+        k.Transpose();
+        m.FillIn3x3(parts, parts + 3);
+        k.AddTranslation(n);
+        k.FillInTranslation(n);
+        k.ScaleTranslation(n);
+        run(m *= k, k.PreMultiply(m), m._Equal(k), m.Determinant(), k.MakeRotation(m),
+            m.GetRotationXYZ(p.x, p.y, p.z), k.MakeOrthoNormal(), k.GetRotationZYX(p.x, p.y, p.z),
+            m.SetRotationCenter(n), m.Invert(), k.DoRotationXYZ(n, n, n));
+        try {
+            run(m.TransformBoundingBox(box), m.InverseTransform(p, n, true), m.Transform(points),
+                m.MakeRotation(n, n, n));
+        } catch (const MMTransformException&) {
+        }
+        run(k.MakeOrthoGraphicProjection(n, n, n, n, n, n), k.MakeNewXAxis(n, n),
+            k.MakePerspectiveProjection(n, n, n, n, n, n, n), k.MakeRotationZYX(n, n, n, n),
+            k.MakeRotationInPlane(n, n, n), k.MakeTranslation(n), k.MakeScale1D(n),
+            k.MakeScale3D(n));
+        k.MakeTransformation(n, n, n, n);
+        MMPlaneEq<double> a(n, n, n);
+        const MMPlaneEq<double> b(n, n, n, n);
+        const MMPlane c(MMPlaneEq<double>(n, n));
+        const MMLine d(n, n);
+        MMLine e(n, n);
+        const MMLine2D f(n, n);
+        MMLine2D g(n, n);
+        a.Transform(k);
+        f.GetLineEquation(p.x, p.y, p.z, n);
+        run(b.Project(p, n), b.Mirror(p, n), b.Intersect(p.x, p, n, n), b.On(n, n), b.Inverted(),
+            a.IntersectWithPlane(p, p, b, n), c.IsParallel(MMPlane(b), n), c.IsParallel(d, n),
+            c.GetPlaneEqDouble(), d.Length(), d.IsPointOnLine(n, true, n),
+            d.GetIntersectionPoint(e, p, n, true), d.GetCommonPerpendicularLine(e, e, n),
+            f.GetSignedDistance(n), f.IsCoincident(g, n), f.IsPointOnLineSegment(n, n),
+            g.GetIntersectionSegmentSegment(g.GetFirstPoint(), f, n),
+            f.DoesSegmentLieOnRect(n, n, n, n, n));
+    }
+}
+
+} // namespace
