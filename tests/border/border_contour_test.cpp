@@ -18,8 +18,10 @@ static_assert(std::convertible_to<Contour::iterator, Contour::const_iterator>);
 Contour Ring(const std::vector<int>& points)
 {
     Contour contour;
-    for (const int point : points)
-        contour.InsertAtEnd(static_cast<float>(point % 10), static_cast<float>(point / 10), 0.0F);
+    for (const int point : points) {
+        const int y = point / 10;
+        contour.InsertAtEnd(static_cast<float>(point - 10 * y), static_cast<float>(y), 0.0F);
+    }
     return contour;
 }
 
