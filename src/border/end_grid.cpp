@@ -13,9 +13,9 @@ namespace
 // the pieces of a drawing, so that a cell seldom holds more than one place.
 constexpr double kCellsPerUnit = 1.0 / (16.0 * kJoinTolerance);
 
-// From here on neighbouring floats are further apart than the tolerance (and those just below are
-// too): only equal coordinates meet.
-constexpr float kCoarseCoordinate = 65536.0F;
+// How far apart, in cells, coordinates that meet may lie: the tolerance, and room for rounding up
+// to 65,536. From there on neighbouring floats are further apart, and only equal coordinates meet.
+constexpr double kReach = 1.0 / 16.0 + 1e-6;
 
 // Cell numbers beyond this do not fit an integer; the bits of the number then stand for the cell.
 constexpr double kLargestCell = 9e15;
@@ -25,31 +25,26 @@ bool IsFinite(const ContourEnd& end)
     return std::isfinite(end.x) && std::isfinite(end.y) && std::isfinite(end.z);
 }
 
-std::int64_t CellOf(double coordinate)
+// The cell of a coordinate, and the neighbouring cell in which coordinates that meet it may lie as
+// well; the same cell again where none is within reach.
+struct Cells
 {
-    // Shifted by half a cell: 0, where flat drawings have their payload, lies amid a cell.
-    const double scaled = coordinate * kCellsPerUnit + 0.5;
-    if (!(std::fabs(scaled) < kLargestCell))
-        return std::bit_cast<std::int64_t>(scaled);
-    const auto truncated = static_cast<std::int64_t>(scaled);
-    return truncated - (static_cast<double>(truncated) > scaled ? 1 : 0);
-}
-
-// The cells, at most two of them neighbours, that hold all coordinates which meet the given one.
-// Scaling and flooring are monotone, so rounding cannot put such a coordinate outside.
-struct CellRange
-{
-    explicit CellRange(float coordinate)
+    explicit Cells(float coordinate)
     {
-        const double reach = std::fabs(coordinate) < kCoarseCoordinate ? kJoinTolerance : 0.0;
-        own = CellOf(coordinate);
-        low = CellOf(static_cast<double>(coordinate) - reach);
-        high = CellOf(static_cast<double>(coordinate) + reach);
+        // Shifted by half a cell: 0, where flat drawings have their payload, lies amid a cell.
+        const double scaled = static_cast<double>(coordinate) * kCellsPerUnit + 0.5;
+        if (!(std::fabs(scaled) < kLargestCell)) {
+            own = other = std::bit_cast<std::int64_t>(scaled);
+            return;
+        }
+        const auto truncated = static_cast<std::int64_t>(scaled);
+        own = truncated - (static_cast<double>(truncated) > scaled ? 1 : 0);
+        const double place = scaled - static_cast<double>(own);
+        other = own + (place > 1.0 - kReach ? 1 : 0) - (place < kReach ? 1 : 0);
     }
 
     std::int64_t own;
-    std::int64_t low;
-    std::int64_t high;
+    std::int64_t other;
 };
 
 // Starts to bring memory into the cache.
@@ -86,7 +81,7 @@ void EndGrid::Insert(Side side, std::uint32_t number, const Probe& probe)
     entry.end = probe.end;
     if (probe.count == 0)
         return;
-    entry.bucket = probe.home;
+    entry.bucket = probe.buckets[0];
     List& list = _buckets[entry.bucket][which];
     // Numbers arrive in rising order, or below all others of their crowd.
     std::uint32_t before = list.last;
@@ -113,42 +108,43 @@ void EndGrid::Remove(Side side, std::uint32_t number)
     entry.bucket = kNone;
 }
 
-EndGrid::Probe EndGrid::MakeProbe(const ContourEnd& end) const
+void EndGrid::Move(Side side, std::uint32_t number, const Probe& probe)
 {
-    Probe probe;
-    probe.end = end;
-    if (!IsFinite(end))
-        return probe;
-    const CellRange xs(end.x);
-    const CellRange ys(end.y);
-    const CellRange zs(end.z);
-    probe.home = _BucketOf(xs.own, ys.own, zs.own);
-    SendFor(&_buckets[probe.home]);
-    // Each range is its low and its high cell, visited once when they are the same.
-    for (std::int64_t x = xs.low;; x = xs.high) {
-        for (std::int64_t y = ys.low;; y = ys.high) {
-            for (std::int64_t z = zs.low;; z = zs.high) {
-                probe.buckets[probe.count++] = _BucketOf(x, y, z);
-                if (z == zs.high)
-                    break;
-            }
-            if (y == ys.high)
-                break;
-        }
-        if (x == xs.high)
-            break;
+    Entry& entry = _entries[number][static_cast<std::size_t>(side)];
+    if (probe.count > 0 && entry.bucket == probe.buckets[0]) {
+        entry.end = probe.end;
+        return;
     }
-    return probe;
+    Remove(side, number);
+    Insert(side, number, probe);
 }
 
+void EndGrid::MakeProbe(const ContourEnd& end, Probe& probe) const
+{
+    probe.end = end;
+    probe.count = 0;
+    if (!IsFinite(end))
+        return;
+    const Cells x(end.x);
+    const Cells y(end.y);
+    const Cells z(end.z);
+    probe.buckets[0] = _BucketOf(x.own, y.own, z.own);
+    probe.count = 1;
+    SendFor(&_buckets[probe.buckets[0]]);
+    const unsigned split =
+        (x.other != x.own ? 1U : 0U) | (y.other != y.own ? 2U : 0U) | (z.other != z.own ? 4U : 0U);
+    // All ways to take the other cell in some of the directions that have one.
+    for (unsigned way = split; way != 0; way = (way - 1) & split)
+        probe.buckets[probe.count++] =
+            _BucketOf((way & 1) != 0 ? x.other : x.own, (way & 2) != 0 ? y.other : y.own,
+                      (way & 4) != 0 ? z.other : z.own);
+}
+
+// Without a branch, which would be taken at random: an empty bucket sends for some entry.
 void EndGrid::Prefetch(const Probe& probe) const
 {
-    if (probe.count == 0)
-        return;
-    for (const List& list : _buckets[probe.home]) {
-        if (list.first != kNone)
-            SendFor(&_entries[list.first]);
-    }
+    for (const List& list : _buckets[probe.buckets[0]])
+        SendFor(&_entries[list.first == kNone ? 0 : list.first]);
 }
 
 std::uint32_t EndGrid::FindFirst(Side side, const Probe& probe, std::uint32_t excluded) const

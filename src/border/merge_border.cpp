@@ -38,12 +38,10 @@ public:
           _ends(std::size_t{target.GetNumContours()} + source.GetNumContours())
     {
         _contours.reserve(std::size_t{target.GetNumContours()} + source.GetNumContours());
+        Piece piece;
         for (Contour& contour : target) {
-            if (_CanJoin(contour))
-                _Number(contour, _ends.MakeProbe(FirstEnd(contour)),
-                        _ends.MakeProbe(LastEnd(contour)));
-            else
-                _Number(contour, {}, {});
+            _LookUp(contour, piece);
+            _Number(contour, piece);
         }
     }
 
@@ -54,17 +52,21 @@ public:
         std::array<Piece, kLookAhead> pieces;
         std::size_t begin = 0;
         std::size_t end = 0;
-        while (begin < end || source.GetFirstContour() != nullptr) {
-            for (; end < begin + kLookAhead && source.GetFirstContour() != nullptr; ++end)
-                pieces[end % kLookAhead] = _LookUp(source.RemoveFirstContour());
+        for (; begin < end || source.GetFirstContour() != nullptr; ++begin) {
+            for (; end < begin + kLookAhead && source.GetFirstContour() != nullptr; ++end) {
+                Piece& piece = pieces[end % kLookAhead];
+                piece.contour = source.RemoveFirstContour();
+                _LookUp(*piece.contour, piece);
+            }
             const Piece& soon = pieces[(begin + kLookAhead / 2) % kLookAhead];
             _ends.Prefetch(soon.first);
             _ends.Prefetch(soon.last);
-            _Take(std::move(pieces[begin++ % kLookAhead]));
+            _Take(pieces[begin % kLookAhead]);
         }
     }
 
 private:
+    // A contour of the source on its way; without one, just the places of two ends.
     struct Piece
     {
         std::unique_ptr<Contour> contour;
@@ -74,23 +76,21 @@ private:
 
     static constexpr std::size_t kLookAhead = 8;
 
-    [[nodiscard]] Piece _LookUp(std::unique_ptr<Contour> contour) const
+    // Prepares the searches for the ends of a contour; one that cannot join is never searched for.
+    void _LookUp(const Contour& contour, Piece& piece) const
     {
-        Piece piece;
-        if (_CanJoin(*contour)) {
-            piece.first = _ends.MakeProbe(FirstEnd(*contour));
-            piece.last = _ends.MakeProbe(LastEnd(*contour));
-        }
-        piece.contour = std::move(contour);
-        return piece;
+        if (!_CanJoin(contour))
+            return;
+        _ends.MakeProbe(FirstEnd(contour), piece.first);
+        _ends.MakeProbe(LastEnd(contour), piece.last);
     }
 
     // Both searches come before the first change: they need the places of the ends only, which the
     // grid has at hand.
-    void _Take(Piece piece)
+    void _Take(Piece& piece)
     {
         if (!_CanJoin(*piece.contour)) {
-            _Append(std::move(piece));
+            _Append(piece);
             return;
         }
         const std::uint32_t back = _FindFirst(Side::Back, piece.first, piece.last, EndGrid::kNone);
@@ -103,7 +103,7 @@ private:
         if (front != EndGrid::kNone)
             _JoinInFront(front, *piece.contour, piece.first, piece.last);
         else
-            _Append(std::move(piece));
+            _Append(piece);
     }
 
     // The end join: the target contour `back` carries the points of the piece from here on, and is
@@ -112,11 +112,12 @@ private:
     {
         const ContourEnd matched = _ends.At(Side::Back, back);
         const bool isReversed = !DoEndsMeet(piece.first.end, matched);
-        const EndGrid::Probe first = _ends.MakeProbe(_ends.At(Side::Front, back));
+        EndGrid::Probe first;
+        _ends.MakeProbe(_ends.At(Side::Front, back), first);
+        EndGrid::Probe& last = isReversed ? piece.first : piece.last;
         // A single point goes without a trace: the matched point stays the last one.
-        const EndGrid::Probe& last = piece.contour->GetNumPoints() == 1 ? _ends.MakeProbe(matched)
-                                     : isReversed                       ? piece.first
-                                                                        : piece.last;
+        if (piece.contour->GetNumPoints() == 1)
+            _ends.MakeProbe(matched, last);
         const std::uint32_t front = _FindFirst(Side::Front, first, last, back);
         Contour& carrier = *_contours[back];
         _JoinAtBack(carrier, *piece.contour, isReversed);
@@ -140,19 +141,19 @@ private:
         return !contour.GetIsClosed() && contour.GetNumPoints() > 0;
     }
 
-    void _Number(Contour& contour, const EndGrid::Probe& first, const EndGrid::Probe& last)
+    void _Number(Contour& contour, const Piece& piece)
     {
         const auto number = static_cast<std::uint32_t>(_contours.size());
         _contours.push_back(&contour);
         if (!_CanJoin(contour))
             return;
-        _ends.Insert(Side::Front, number, first);
-        _ends.Insert(Side::Back, number, last);
+        _ends.Insert(Side::Front, number, piece.first);
+        _ends.Insert(Side::Back, number, piece.last);
     }
 
-    void _Append(Piece piece)
+    void _Append(Piece& piece)
     {
-        _Number(*_target.AddContourAtEnd(piece.contour.release()), piece.first, piece.last);
+        _Number(*_target.AddContourAtEnd(piece.contour.release()), piece);
     }
 
     // The first contour of the list, `excluded` left out, whose end on that side meets a or b.
@@ -183,12 +184,9 @@ private:
         const bool hasOwnBack = contour.GetNumPoints() > 1;
         contour.RemovePoint(contour.GetFirstPoint());
         contour.InsertAtFront(carrier);
-        _ends.Remove(Side::Front, number);
-        _ends.Insert(Side::Front, number, isReversed ? last : first);
-        if (!hasOwnBack) {
-            _ends.Remove(Side::Back, number);
-            _ends.Insert(Side::Back, number, isReversed ? first : last);
-        }
+        _ends.Move(Side::Front, number, isReversed ? last : first);
+        if (!hasOwnBack)
+            _ends.Move(Side::Back, number, isReversed ? first : last);
     }
 
     Border& _target;

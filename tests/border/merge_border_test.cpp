@@ -93,17 +93,17 @@ std::string Text(const Border& border)
     return text.str();
 }
 
-// Coordinates from few places, so that ends meet, tie and crowd; beyond 65,536 neighbouring floats
-// lie further apart than the tolerance.
+// Coordinates from few places, so that ends meet, tie and crowd. Odd multiples of eight tolerances
+// part the cells of the search; from 65,536 on neighbouring floats lie further apart than one.
 float Coordinate(norvek_test::Random& random, int places, double jitter)
 {
     constexpr float infinity = std::numeric_limits<float>::infinity();
     const float rare[] = {infinity, -infinity, std::nanf(""), 3e38F, -3e38F};
-    constexpr double scales[] = {1.0, -0.1, 65536.0};
+    constexpr double scales[] = {1.0, -0.1, 65536.0, 8.0 * 0.003452669770922512};
     const int choice = random.Integer(0, 80);
     if (choice < 5)
         return rare[choice];
-    const double base = random.Integer(0, places - 1) * scales[choice % 3];
+    const double base = random.Integer(0, places - 1) * scales[choice % 4];
     return static_cast<float>(base + random.Uniform(-jitter, jitter));
 }
 
