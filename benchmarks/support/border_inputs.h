@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 #include <numbers>
 #include <random>
@@ -44,12 +45,12 @@ inline std::vector<MMPoint2d<double>> Queries()
 }
 
 /// Rings of 1,000 open pieces of three points each, cut apart and shuffled, one piece in two
-/// reversed.
-inline M3dBorder<float, float> ShuffledPieces(std::size_t count)
+/// reversed. The order depends on the seed.
+inline M3dBorder<float, float> ShuffledPieces(std::size_t count, std::uint64_t seed)
 {
     constexpr std::size_t perRing = 1000;
     std::vector<std::pair<std::size_t, bool>> order;
-    std::mt19937_64 engine(9);
+    std::mt19937_64 engine(seed);
     for (std::size_t i = 0; i < count; ++i)
         order.emplace_back(i, (engine() & 1) != 0);
     std::shuffle(order.begin(), order.end(), engine);
