@@ -103,16 +103,13 @@ bool HasRankTwo(double l0, double l1, double l2)
     return std::abs(smallest) <= kTenEpsilons && middle >= kTenEpsilons;
 }
 
-// M^(-1/2) in closed form. `tooSmall` tells a value below the threshold from trouble with rounding.
-bool ClosedRoot(const MMatrix3x3& m, MMatrix3x3& root, bool& tooSmall)
+// M^(-1/2) in closed form.
+bool ClosedRoot(const MMatrix3x3& m, MMatrix3x3& root)
 {
     double values[3];
     Vector vectors[3];
-    tooSmall = false;
-    if (!m.GetEigenValues(values))
-        return false;
-    tooSmall = std::min({values[0], values[1], values[2]}) < kTenEpsilons;
-    if (tooSmall || !m.GetEigenVectors(vectors, values))
+    if (!m.GetEigenValues(values) || std::min({values[0], values[1], values[2]}) < kTenEpsilons ||
+        !m.GetEigenVectors(vectors, values))
         return false;
     root = InverseRoot(values, vectors, 3);
     return true;
@@ -188,8 +185,7 @@ bool MMatrix3x3::_GetClosedNearest(MMatrix3x3& result) const
     const double largest = m.GetMaxEntry();
     MMatrix3x3 root;
     if (determinant * determinant > largest * largest * kMachineEpsilon) {
-        bool tooSmall = false;
-        if (!ClosedRoot(m, root, tooSmall))
+        if (!ClosedRoot(m, root))
             return false;
         root.PreMultiply(*this);
         result = root;
@@ -206,12 +202,13 @@ bool MMatrix3x3::_GetClosedNearest(MMatrix3x3& result) const
     return true;
 }
 
+// The closed form's smallest value carries the rounding of the largest, so a value that it finds
+// below the threshold is looked at again.
 bool MMatrix3x3::SquareRootInverse()
 {
-    bool tooSmall = false;
     MMatrix3x3 root;
-    if (!ClosedRoot(*this, root, tooSmall)) {
-        if (tooSmall || !IsSymmetric(*this))
+    if (!ClosedRoot(*this, root)) {
+        if (!IsSymmetric(*this))
             return false;
         const SymmetricEigen eigen = SolveSymmetric(*this);
         if (!(eigen.values[2] >= kTenEpsilons) ||

@@ -171,6 +171,16 @@ TEST(Matrix3x3, SquareRootInverseOfEverySpectrum)
             EXPECT_LT((ToEigen(p) * singular * ToEigen(p) * singular - singular).norm(), 1e-9);
         }
     }
+    // Small values that the closed form loses in the rounding of the largest.
+    for (int i = 0; i < 200; ++i) {
+        const Eigen::Matrix3d turn = RandomRotation(random);
+        const Eigen::Vector3d values(1.0, 1e-10, 1e-11);
+        MMatrix3x3 a = Matrix(turn * values.asDiagonal() * turn.transpose());
+        ASSERT_TRUE(a.SquareRootInverse());
+        const Eigen::Vector3d roots = (turn.transpose() * ToEigen(a) * turn).diagonal();
+        for (int k = 0; k < 3; ++k)
+            EXPECT_NEAR(roots[k] * std::sqrt(values[k]), 1.0, 1e-4);
+    }
     MMatrix3x3 indefinite = Diagonal(1.0, -1.0, 2.0);
     EXPECT_FALSE(indefinite.SquareRootInverse());
     EXPECT_EQ(indefinite, Diagonal(1.0, -1.0, 2.0));
