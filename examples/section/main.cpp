@@ -6,8 +6,9 @@
 #include "progress.h"
 #include "report.h"
 #include "section.h"
+#include "support/failure.h"
+#include "support/text.h"
 #include "surface.h"
-#include "text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -16,6 +17,9 @@
 
 namespace section
 {
+
+using example::Failure;
+using example::ShortNumber;
 
 namespace
 {
@@ -108,7 +112,7 @@ int main(int argc, char** argv)
         else
             section::Run(options);
         if (!std::cout.flush())
-            throw section::Failure("cannot write the report");
+            throw example::Failure("cannot write the report");
         return 0;
     } catch (const std::exception& failure) {
         std::cerr << "section: " << failure.what() << '\n';

@@ -1,16 +1,22 @@
 #include "picture.h"
 
-#include "text.h"
+#include "support/svg.h"
+#include "support/text.h"
 
 #include <norvek/foundation/point2d.h>
 
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <fstream>
 
 namespace section
 {
+
+using example::Colour;
+using example::Fixed;
+using example::Hex;
+using example::ShortNumber;
+using example::SvgFile;
 
 namespace
 {
@@ -23,7 +29,6 @@ constexpr double kLegendWidth = 230.0;
 constexpr double kTenths = 10.0;
 
 using Point = MMPoint3d<double>;
-using Colour = std::array<int, 3>;
 
 // What is seen from where: the axes of the picture in reduced coordinates and its place on the
 // sheet.
@@ -114,15 +119,6 @@ Colour Shaded(const std::array<double, 3>& tint, double light)
     return colour;
 }
 
-std::string Hex(const Colour& colour)
-{
-    constexpr const char* digits = "0123456789abcdef";
-    std::string text = "#";
-    for (const int part : colour)
-        text += {digits[part / 16], digits[part % 16]};
-    return text;
-}
-
 std::string Pair(std::int32_t x, std::int32_t y)
 {
     return std::to_string(x) + (y < 0 ? "" : " ") + std::to_string(y);
@@ -131,8 +127,10 @@ std::string Pair(std::int32_t x, std::int32_t y)
 class Picture
 {
 public:
-    Picture(std::ostream& out, const Surface& surface, const View& view)
-        : _out(out),
+    Picture(const std::string& path, const Surface& surface, const View& view)
+        : _file(path, kMargin + view.Width() + kMargin + kLegendWidth,
+                std::max(view.Height(), 470.0) + 2 * kMargin),
+          _out(_file.Out()),
           _surface(surface),
           _view(view)
     {}
@@ -140,20 +138,14 @@ public:
     void Write(const Options& options, const std::optional<PlaneFit>& fit,
                const std::vector<Section>& sections)
     {
-        const double width = LegendPlace() + kLegendWidth;
-        const double height = std::max(_view.Height(), 470.0) + 2 * kMargin;
-        _out << "<svg xmlns=\"http://www.w3.org/2000/svg\" viewBox=\"0 0 " << Fixed(width, 0) << ' '
-             << Fixed(height, 0)
-             << "\" font-family=\"Helvetica,Arial,sans-serif\" font-size=\"14\" "
-             << "fill=\"#222\">\n<rect width=\"100%\" height=\"100%\" fill=\"#fff\"/>\n"
-             << "<g transform=\"scale(0.1)\" stroke-linejoin=\"round\">\n";
+        _out << "<g transform=\"scale(0.1)\" stroke-linejoin=\"round\">\n";
         WriteSurface();
         for (const SectionKind kind :
              {SectionKind::Level, SectionKind::IndexLevel, SectionKind::Plane, SectionKind::Fit})
             WriteSections(sections, kind);
         _out << "</g>\n";
         WriteLegend(options, fit, sections);
-        _out << "</svg>\n";
+        _file.Close();
     }
 
 private:
@@ -268,14 +260,6 @@ private:
             _out << 'z';
     }
 
-    void WriteText(double x, double y, const std::string& text, const char* style = "")
-    {
-        _out << "<text x=\"" << Fixed(x, 1) << "\" y=\"" << Fixed(y, 1) << "\" " << style << '>';
-        for (const char c : text)
-            _out << (c == '<' ? std::string("&lt;") : c == '&' ? "&amp;" : std::string(1, c));
-        _out << "</text>\n";
-    }
-
     void WriteLegend(const Options& options, const std::optional<PlaneFit>& fit,
                      const std::vector<Section>& sections)
     {
@@ -283,9 +267,9 @@ private:
         double y = kMargin + 18.0;
         const std::string unit = options.unit.empty() ? "" : " " + options.unit;
         const std::string name = options.surface.substr(options.surface.rfind('/') + 1);
-        WriteText(x, y, "Sections of", "font-size=\"15\"");
+        _file.Text(x, y, "Sections of", "font-size=\"15\"");
         y += 22.0;
-        WriteText(x, y, name, "font-size=\"17\" font-weight=\"bold\"");
+        _file.Text(x, y, name, "font-size=\"17\" font-weight=\"bold\"");
         y += 12.0;
         const auto has = [&](SectionKind kind) {
             return std::any_of(sections.begin(), sections.end(),
@@ -297,7 +281,7 @@ private:
             _out << "<path d=\"M" << x << ' ' << y - 5 << "h34\" stroke=\"" << pen.colour
                  << "\" stroke-opacity=\"" << pen.opacity << "\" stroke-width=\""
                  << pen.width / kTenths << "\"/>\n";
-            WriteText(x + 44.0, y, text);
+            _file.Text(x + 44.0, y, text);
         };
         if (has(SectionKind::Level))
             line(SectionKind::Level, "every " + ShortNumber(options.levelStep) + unit);
@@ -308,8 +292,8 @@ private:
         if (fit && has(SectionKind::Fit)) {
             line(SectionKind::Fit, "fitted plane");
             y += 18.0;
-            WriteText(x + 44.0, y, "rms " + ShortNumber(std::round(fit->rms * 10.0) / 10.0) + unit,
-                      "font-size=\"12\" fill=\"#666\"");
+            _file.Text(x + 44.0, y, "rms " + ShortNumber(std::round(fit->rms * 10.0) / 10.0) + unit,
+                       "font-size=\"12\" fill=\"#666\"");
         }
         WriteRamp(x, y + 40.0, unit);
         WriteScaleBar(x, y + 330.0, unit);
@@ -329,8 +313,8 @@ private:
         const double high = _view.Box().maxZ + centre;
         const int digits = high - low > 20.0 ? 0 : 3;
         for (int i = 0; i <= 4; ++i)
-            WriteText(x + 32.0, y + height * i / 4.0 + 5.0,
-                      Fixed(high + (low - high) * i / 4.0, digits) + unit);
+            _file.Text(x + 32.0, y + height * i / 4.0 + 5.0,
+                       Fixed(high + (low - high) * i / 4.0, digits) + unit);
     }
 
     // A round length of about a quarter of the map.
@@ -344,10 +328,11 @@ private:
             _out << "<rect x=\"" << Fixed(x + width * i / 4, 2) << "\" y=\"" << y << "\" width=\""
                  << Fixed(width / 4, 2) << "\" height=\"7\" stroke=\"#222\" fill=\""
                  << (i % 2 == 0 ? "#222" : "#fff") << "\"/>\n";
-        WriteText(x, y + 24.0, "0");
-        WriteText(x + width, y + 24.0, ShortNumber(length) + unit, "text-anchor=\"end\"");
+        _file.Text(x, y + 24.0, "0");
+        _file.Text(x + width, y + 24.0, ShortNumber(length) + unit, "text-anchor=\"end\"");
     }
 
+    SvgFile _file;
     std::ostream& _out;
     const Surface& _surface;
     const View& _view;
@@ -358,11 +343,8 @@ private:
 void WritePicture(const Options& options, const Surface& surface,
                   const std::optional<PlaneFit>& fit, const std::vector<Section>& sections)
 {
-    std::ofstream out(options.picture, std::ios::binary);
     const View view(surface, sections.front());
-    Picture(out, surface, view).Write(options, fit, sections);
-    if (!out.flush())
-        throw Failure("cannot write " + options.picture);
+    Picture(options.picture, surface, view).Write(options, fit, sections);
 }
 
 } // namespace section

@@ -1,6 +1,6 @@
 #include "report.h"
 
-#include "text.h"
+#include "support/text.h"
 
 #include <algorithm>
 #include <cmath>
@@ -8,6 +8,8 @@
 
 namespace section
 {
+
+using example::Fixed;
 
 namespace
 {

@@ -1,5 +1,7 @@
 #include "section.h"
 
+#include "support/failure.h"
+
 #include <norvek/border/border_algorithms.h>
 #include <norvek/primitives/least_squares_plane.h>
 
@@ -9,6 +11,8 @@
 
 namespace section
 {
+
+using example::Failure;
 
 namespace
 {

@@ -1,5 +1,8 @@
 #include "surface.h"
 
+#include "support/failure.h"
+#include "support/numbers.h"
+
 #include <algorithm>
 #include <charconv>
 #include <cmath>
@@ -10,6 +13,9 @@
 
 namespace section
 {
+
+using example::Failure;
+using example::kLargestNumber;
 
 namespace
 {

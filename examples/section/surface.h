@@ -7,23 +7,11 @@
 
 #include <array>
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <vector>
 
 namespace section
 {
-
-/// The largest magnitude of a number that is taken from a file or the command line: the
-/// powers that a fit takes of it stay finite.
-inline constexpr double kLargestNumber = 1e20;
-
-/// A failure that the user can mend; its text is the one line that the program prints.
-class Failure : public std::runtime_error
-{
-public:
-    using std::runtime_error::runtime_error;
-};
 
 /// A triangulated surface. The points are reduced: `centre` has been subtracted from them, so that
 /// surfaces far from the origin keep their digits in single precision.

@@ -1,9 +1,9 @@
-#include "text.h"
+#include "support/text.h"
 
 #include <iomanip>
 #include <sstream>
 
-namespace section
+namespace example
 {
 
 std::string Fixed(double value, int digits)
@@ -20,4 +20,4 @@ std::string ShortNumber(double value)
     return text.substr(0, text[last] == '.' ? last : last + 1);
 }
 
-} // namespace section
+} // namespace example

@@ -2,7 +2,7 @@
 
 #include <string>
 
-namespace section
+namespace example
 {
 
 /// A number with a fixed count of decimals.
@@ -11,4 +11,4 @@ std::string Fixed(double value, int digits);
 /// A number with up to six decimals and no trailing zeros.
 std::string ShortNumber(double value);
 
-} // namespace section
+} // namespace example
