@@ -1,5 +1,7 @@
+#include "foundation/round_to_float.h"
 #include "transform/matrix4.h"
 
+#include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
 using namespace Norvek::Math::Core;
@@ -58,6 +60,22 @@ bool MMTransformMatrix::MakeTransformation(const MMPoint3d<double>& origin,
     return _LoadRows({xAxis.x, yAxis.x, zAxis.x, origin.x, //
                       xAxis.y, yAxis.y, zAxis.y, origin.y, //
                       xAxis.z, yAxis.z, zAxis.z, origin.z});
+}
+
+// The rounding is meant, and so is that the old translation stays. The product gives the new one
+// through the old bottom row, and NaN in the rest for a translation beyond the floats, which the
+// rows then overwrite. An inverse of kind Scale1D keeps what the product of the inverses left.
+bool MMTransformMatrix::Make(const MMOrthoTransform& rigid)
+{
+    const double* const t = rigid.Translation();
+    AddTranslation(RoundToFloat(MMPoint3d<double>(t[0], t[1], t[2])));
+    for (unsigned short i = 0; i < 3; ++i) {
+        MMPoint3d<double> row;
+        rigid.GetRow(row, i);
+        SetRow4(_matrix[i], row.x, row.y, row.z, _matrix[i][3]);
+    }
+    SetRow4(_matrix[3], 0.0, 0.0, 0.0, 1.0);
+    return _Close();
 }
 
 // x is oriented by (a2 - a1), y and z by (first - second): the difference in sign is meant.

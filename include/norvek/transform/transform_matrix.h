@@ -5,6 +5,8 @@
 
 #include <cassert>
 
+class MMOrthoTransform;
+
 /// The 4x4 matrix transform: p' = M p with points as columns, the translation in the last column.
 ///
 /// It carries its inverse and its kind, so that inverting is a swap and the common kinds are
@@ -81,9 +83,8 @@ public:
     /// Moves by `translation`.
     bool MakeTranslation(const MMPoint3d<double>& translation);
 
-    /// diag(s, s, s, 1). A scale within ten machine epsilons of 1 is a `Translation` and has the
-    /// unit matrix as its inverse. See `ComputeInverse` for the entries of an old inverse that
-    /// stay.
+    /// diag(s, s, s, 1). A scale within ten machine epsilons of 1 is a `Translation`, its inverse
+    /// the unit matrix. `ComputeInverse` tells which entries of an old inverse stay.
     bool MakeScale1D(double scale);
 
     /// diag(sx, sy, sz, 1).
@@ -124,13 +125,17 @@ public:
     /// `HomogeneousDivideByZero` and leaves the matrix unchanged.
     bool MakeRotation(const MMPoint3d<double>& center, const MMPoint3d<double>& axis, double angle);
 
+    /// Adds the translation of `rigid`, rounded to single precision (required behaviour), by
+    /// `AddTranslation`; then replaces the 3x3 part by its R and the bottom row by (0, 0, 0, 1). So
+    /// the old translation takes part: only an identity becomes `rigid` itself.
+    bool Make(const MMOrthoTransform& rigid);
+
     /// The rotation part of `other`: its rows divided by their lengths, translation 0, bottom row
     /// (0, 0, 0, 1). The columns of the inverse are multiplied by the same lengths.
     ///
-    /// Each length is rounded to single precision; that is the required behaviour, and it leaves
-    /// rows of a scaled matrix with unit length to about 6e-8 only. Kind, flags and the inverse's
-    /// translation column are those of `other`; nothing is reclassified. A zero row divides by
-    /// zero.
+    /// Each length is rounded to single precision (required behaviour): rows of a scaled matrix get
+    /// unit length to about 6e-8 only. Kind, flags and the inverse's translation column are those
+    /// of `other`; nothing is reclassified. A zero row divides by zero.
     bool MakeRotation(const MMTransformMatrix& other);
 
     /// Rotation about the origin that turns direction `from` onto direction `to` within their
@@ -180,9 +185,8 @@ public:
     /// epsilons of the span of those before it.
     bool MakeOrthoNormal();
 
-    /// Keeps the 3x3 part and the bottom row and sets the translation so that `center` is a fixed
-    /// point; closing step. False, and unchanged, when a projective bottom row sends `center` to
-    /// infinity (w exactly 0); true otherwise.
+    /// Sets the translation alone, so that `center` is a fixed point; closing step. False, and
+    /// unchanged, when a projective bottom row sends `center` to infinity (w exactly 0).
     bool SetRotationCenter(const MMPoint3d<double>& center);
 
     /// Applies a translation after the present transform: a full product T * this, and the kind
@@ -203,10 +207,9 @@ public:
     /// translation scaled to 0 still is a `Translation`.
     void ScaleTranslation(double factor);
 
-    /// this = this * other, so that `other` applies first. The inverses are multiplied the other
-    /// way round and the kind is computed anew. The invertible flag stays that of this matrix: the
-    /// product of an invertible and a singular matrix reports invertible; `ComputeInverse` tells.
-    /// `other` may be this matrix.
+    /// this = this * other: `other`, which may be this matrix, applies first. The inverses are
+    /// multiplied the other way round, the kind is computed anew. The invertible flag stays: an
+    /// invertible times a singular matrix reports invertible; `ComputeInverse` tells.
     MMTransformMatrix& operator*=(const MMTransformMatrix& other);
 
     /// this = other * this, under the same rules.
@@ -229,8 +232,7 @@ public:
     /// Transposes the whole 4x4 matrix; closing step.
     virtual void Transpose();
 
-    /// Computes the homogeneous flag from the bottom row, then the kind. The inverse is not
-    /// touched.
+    /// Computes the homogeneous flag from the bottom row, then the kind, but not the inverse.
     void VerifyAndSetClass();
 
     /// Writes one element, of the inverse with `ofInverse`. Nothing else is updated: follow with
@@ -257,8 +259,7 @@ public:
     /// @name Reading
     /// @{
 
-    /// One element, of the inverse with `ofInverse`. Indices are 0 to 3, unchecked in release
-    /// builds.
+    /// One element, of the inverse with `ofInverse`. Indices 0 to 3, unchecked in release builds.
     [[nodiscard]] double GetElement(unsigned short row, unsigned short col, bool ofInverse) const
     {
         assert(row < 4 && col < 4);
@@ -341,8 +342,7 @@ public:
                    const std::vector<MMPoint3d<double>>& in) const override;
     bool Transform(std::vector<MMPoint3d<double>>& points) const override;
 
-    /// Element (0, 0) of a `Scale1D` or `Identity`; throws `MMTransformException` of kind
-    /// `NotScale1D` for every other kind.
+    /// Element (0, 0) of a `Scale1D` or `Identity`; throws `NotScale1D` for every other kind.
     [[nodiscard]] double GetScale() const;
 
     /// The determinant of the 3x3 part by the six-term rule: the three products along the main
