@@ -1,5 +1,6 @@
 #include "support/transform_inputs.h"
 
+#include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
 #include <benchmark/benchmark.h>
@@ -45,6 +46,43 @@ void BM_PointsInPlace(benchmark::State& state)
 }
 BENCHMARK(BM_PointsInPlace)->Arg(1000)->Arg(100000);
 
+MMOrthoTransform RigidMotion()
+{
+    const MMTransformMatrix matrix = Rigid();
+    double rows[16];
+    matrix.ConvertToDouble16(rows);
+    MMOrthoTransform motion;
+    motion.SetFrom12Elements(rows);
+    return motion;
+}
+
+void BM_RigidPoints(benchmark::State& state)
+{
+    const auto in = RandomPoints(static_cast<std::size_t>(state.range(0)));
+    std::vector<MMPoint3d<double>> out(in.size());
+    const MMOrthoTransform motion = RigidMotion();
+    for (auto _ : state) {
+        motion.Transform(out, in);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_RigidPoints)->Arg(1000)->Arg(1000000);
+
+void BM_RigidPointsOneByOne(benchmark::State& state)
+{
+    const auto in = RandomPoints(static_cast<std::size_t>(state.range(0)));
+    std::vector<MMPoint3d<double>> out(in.size());
+    const MMOrthoTransform motion = RigidMotion();
+    for (auto _ : state) {
+        for (std::size_t i = 0; i < in.size(); ++i)
+            motion.Transform(out[i], in[i]);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_RigidPointsOneByOne)->Arg(1000)->Arg(1000000);
+
 void BM_Product(benchmark::State& state)
 {
     MMTransformMatrix a = Rigid();
@@ -69,5 +107,17 @@ void BM_RigidInverse(benchmark::State& state)
     }
 }
 BENCHMARK(BM_RigidInverse);
+
+void BM_RotationXYZ(benchmark::State& state)
+{
+    double angles[3] = {kAngles[0], kAngles[1], kAngles[2]};
+    MMTransformMatrix matrix;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(angles);
+        matrix.MakeRotationXYZ(angles[0], angles[1], angles[2]);
+        benchmark::DoNotOptimize(matrix);
+    }
+}
+BENCHMARK(BM_RotationXYZ);
 
 } // namespace

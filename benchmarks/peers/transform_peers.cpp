@@ -14,14 +14,21 @@ using norvek_benchmark::kTranslation;
 using norvek_benchmark::RandomPoints;
 using Points = std::vector<MMPoint3d<double>>;
 
-Eigen::Isometry3d Rigid()
+// Three turns in degrees, about x first. The product of the three is a quaternion.
+Eigen::Isometry3d Rotation(const double (&angles)[3])
 {
     const double degree = 3.141592653589793 / 180.0;
     Eigen::Isometry3d transform = Eigen::Isometry3d::Identity();
-    transform.linear() = (Eigen::AngleAxisd(kAngles[2] * degree, Eigen::Vector3d::UnitZ()) *
-                          Eigen::AngleAxisd(kAngles[1] * degree, Eigen::Vector3d::UnitY()) *
-                          Eigen::AngleAxisd(kAngles[0] * degree, Eigen::Vector3d::UnitX()))
+    transform.linear() = (Eigen::AngleAxisd(angles[2] * degree, Eigen::Vector3d::UnitZ()) *
+                          Eigen::AngleAxisd(angles[1] * degree, Eigen::Vector3d::UnitY()) *
+                          Eigen::AngleAxisd(angles[0] * degree, Eigen::Vector3d::UnitX()))
                              .toRotationMatrix();
+    return transform;
+}
+
+Eigen::Isometry3d Rigid()
+{
+    Eigen::Isometry3d transform = Rotation(kAngles);
     transform.translation() = Eigen::Map<const Eigen::Vector3d>(kTranslation);
     return transform;
 }
@@ -44,7 +51,8 @@ void BM_Points_EigenLazyProduct(benchmark::State& state)
 }
 BENCHMARK(BM_Points_EigenLazyProduct)->Arg(1000)->Arg(100000)->Arg(10000000);
 
-void TransformOneByOne(const Eigen::Affine3d& transform, const MMPoint3d<double>* in,
+template <class Transform>
+void TransformOneByOne(const Transform& transform, const MMPoint3d<double>* in,
                        MMPoint3d<double>* out, std::size_t count)
 {
     for (std::size_t i = 0; i < count; ++i) {
@@ -65,6 +73,19 @@ void BM_Points_EigenAffine(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_Points_EigenAffine)->Arg(1000)->Arg(100000)->Arg(10000000);
+
+void BM_RigidPoints_EigenIsometry(benchmark::State& state)
+{
+    const Points in = RandomPoints(static_cast<std::size_t>(state.range(0)));
+    Points out(in.size());
+    const Eigen::Isometry3d transform = Rigid();
+    for (auto _ : state) {
+        TransformOneByOne(transform, in.data(), out.data(), in.size());
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_RigidPoints_EigenIsometry)->Arg(1000)->Arg(1000000);
 
 void BM_Points_Memcpy(benchmark::State& state)
 {
@@ -116,5 +137,18 @@ void BM_RigidInverse_Eigen(benchmark::State& state)
     }
 }
 BENCHMARK(BM_RigidInverse_Eigen);
+
+void BM_RotationXYZ_Eigen(benchmark::State& state)
+{
+    double angles[3] = {kAngles[0], kAngles[1], kAngles[2]};
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(angles);
+        Eigen::Isometry3d transform = Rotation(angles);
+        Eigen::Isometry3d inverse = transform.inverse();
+        benchmark::DoNotOptimize(transform);
+        benchmark::DoNotOptimize(inverse);
+    }
+}
+BENCHMARK(BM_RotationXYZ_Eigen);
 
 } // namespace

@@ -157,7 +157,7 @@ public:
     }
 
     /// Transforms every point of `in` into the same element of `out`, which is resized and may be
-    /// `in` itself. Same bits as one point at a time, in less than half the time.
+    /// `in` itself. The bits are those of one point at a time; two at a time are computed.
     void Transform(std::vector<MMPoint3d<double>>& out,
                    const std::vector<MMPoint3d<double>>& in) const;
 
