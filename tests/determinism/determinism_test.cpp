@@ -16,6 +16,7 @@ int main(int argc, char**)
     constexpr Family families[] = {
         {"points", HashPoints},
         {"transforms", HashTransforms},
+        {"motions and frames", HashMotionsAndFrames},
         {"planes and lines", HashPlanesAndLines},
         {"boxes", HashBoxes},
         {"borders", HashBorders},

@@ -2,11 +2,13 @@
 
 #include <norvek/border/border.h>
 #include <norvek/border/border_algorithms.h>
+#include <norvek/bounds/axes_binded.h>
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/bounds/bounding_box_nd.h>
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane_equation.h>
+#include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
 namespace norvek_test
@@ -70,6 +72,38 @@ std::uint64_t HashTransforms(Numbers numbers)
         AddMatrix(hash, c);
         c.MakePerspectiveProjection(-1, 1, -1, p[0].x, -9, -1, 0.1 * p[0].y);
         AddMatrix(hash, c);
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashMotionsAndFrames(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds; ++i) {
+        const auto p = numbers.Points<9>(5.0);
+        MMOrthoTransform motion;
+        motion.MakeRotation(p[0], p[1], numbers.Next(3.0), true);
+        MMOrthoTransform other;
+        other.MakeTransformation(p[2], p[3], p[4], p[5]);
+        other.SetRotationCenter(p[6]);
+        motion.Concatenate(other);
+        motion.Translate(p[7]);
+        MMPoint3d<double> moved;
+        motion.InverseTransform(moved, p[8]);
+        hash.Add(moved);
+        motion.Transform(moved, moved);
+        hash.Add(moved);
+        MMTransformMatrix matrix;
+        matrix.Make(motion);
+        AddMatrix(hash, matrix);
+        M3DAxesBinded frame;
+        frame.SetCenter(p[0]);
+        frame.SetNormal(p[1]);
+        frame.GetTransformation(matrix);
+        AddMatrix(hash, matrix);
+        frame.SetXZAxes(p[2], p[3]);
+        frame.GetTransformationTo(matrix);
+        AddMatrix(hash, matrix);
     }
     return hash.Value();
 }

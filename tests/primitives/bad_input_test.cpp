@@ -1,9 +1,11 @@
 #include "support/random.h"
 
+#include <norvek/bounds/axes_binded.h>
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane.h>
+#include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_exception.h>
 #include <norvek/transform/transform_matrix.h>
 
@@ -88,6 +90,40 @@ TEST(BadInput, EveryCallReturns)
             f.GetSignedDistance(n), f.IsCoincident(g, n), f.IsPointOnLineSegment(n, n),
             g.GetIntersectionSegmentSegment(g.GetFirstPoint(), f, n),
             f.DoesSegmentLieOnRect(n, n, n, n, n));
+    }
+}
+
+TEST(BadInput, EveryMotionAndFrameReturns)
+{
+    const Anything n;
+    const auto run = [](const auto&... /*results*/) {
+    };
+    for (int i = 0; i < 20000; ++i) {
+        Point p;
+        MMTransformMatrix m;
+        MMOrthoTransform a;
+        MMOrthoTransform b;
+        a.MakeTransformation(n, n, n, n);
+        b.MakeRotation(n, n, double{n}, i % 2 == 0);
+        m.MakeTransformation(n, n, n, n);
+        run(m.Make(b), m.Make(a), a.Verify(), a.IsSmall(n, n), a == b, b.Keeps2DOrientation());
+        a.Concatenate(b);
+        a.Translate(n);
+        a.SetRotationCenter(n);
+        a.InverseTransform(p, n);
+        M3DAxesBinded f;
+        f.SetXYAxes(n, n);
+        f.SetXZAxes(n, n);
+        f.SetYZAxes(n, f.Z_Axis());
+        f.GetTransformationTo(m);
+        f.SetNormal(n);
+        f.SetCenter(n);
+        if (i % 2 == 0)
+            f.GenerateXYZ();
+        f._TransformPointToLocalSystem(p);
+        f.GetTransformation(m);
+        // A frame with a matrix that can be inverted has axes that are numbers.
+        EXPECT_TRUE(!m.IsInversible() || std::isfinite(m.Determinant()));
     }
 }
 

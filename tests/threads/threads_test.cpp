@@ -3,7 +3,9 @@
 
 #include <norvek/border/border.h>
 #include <norvek/border/border_algorithms.h>
+#include <norvek/bounds/axes_binded.h>
 #include <norvek/primitives/least_squares_plane.h>
+#include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
 #include <gtest/gtest.h>
@@ -74,6 +76,33 @@ TEST(Threads, DistinctObjectsWorkAtOnce)
         thread.join();
     for (const Outcome& outcome : outcomes)
         EXPECT_EQ(outcome, alone);
+}
+
+TEST(Threads, OneMotionAndOneFrameServeAll)
+{
+    MMOrthoTransform motion;
+    motion.MakeRotation({1, 2, 3}, {1, 0, 1}, 0.5, true);
+    M3DAxesBinded frame;
+    frame.SetNormal({1, 2, 3});
+    const auto job = [&motion, &frame] {
+        std::vector<MMPoint3d<double>> points(100, {1, 2, 3});
+        for (int round = 0; round < 40; ++round) {
+            motion.Transform(points);
+            MMTransformMatrix toWorld;
+            frame.GetTransformationTo(toWorld);
+            toWorld.Transform(points);
+        }
+        return points;
+    };
+    std::array<std::vector<MMPoint3d<double>>, 8> outcomes;
+    std::vector<std::thread> threads;
+    threads.reserve(outcomes.size());
+    for (auto& outcome : outcomes)
+        threads.emplace_back([&outcome, &job] { outcome = job(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto& outcome : outcomes)
+        EXPECT_EQ(outcome, job());
 }
 
 } // namespace
