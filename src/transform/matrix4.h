@@ -1,5 +1,9 @@
 #pragma once
 
+#include <norvek/foundation/constants.h>
+
+#include <algorithm>
+#include <cmath>
 #include <cstring>
 
 /// Small operations on 4x4 arrays, [row][column].
@@ -36,6 +40,14 @@ inline void MultiplyMatrix4(Matrix4& __restrict product, const Matrix4& __restri
                 a[i][0] * b[0][j] + a[i][1] * b[1][j] + a[i][2] * b[2][j] + a[i][3] * b[3][j];
         }
     }
+}
+
+/// All 16 elements differ by less than the tolerance. Strictly, so that a NaN element, or
+/// infinities that agree, count as different.
+inline bool AreEqualMatrix4(const Matrix4& a, const Matrix4& b)
+{
+    return std::equal(a[0], a[0] + 16, b[0],
+                      [](double x, double y) { return std::abs(x - y) < kMatrixEqualTolerance; });
 }
 
 /// The dot product of rows 0 to 2 of two columns, from the top.

@@ -1,10 +1,8 @@
 #include "transform/matrix4.h"
 
-#include <norvek/foundation/constants.h>
 #include <norvek/transform/transform_matrix.h>
 
 #include <algorithm>
-#include <cmath>
 
 using namespace Norvek::Math::Core;
 
@@ -127,12 +125,9 @@ bool MMTransformMatrix::Keeps2DOrientation() const
     return _matrix[2][2] > 0.0;
 }
 
-// Strictly below the tolerance, so that a NaN element, or infinities that agree, count as
-// different.
 bool MMTransformMatrix::_Equal(const MMTransformMatrix& other) const
 {
-    return std::equal(_matrix[0], _matrix[0] + 16, other._matrix[0],
-                      [](double a, double b) { return std::abs(a - b) < kMatrixEqualTolerance; });
+    return AreEqualMatrix4(_matrix, other._matrix);
 }
 
 // Translation and bottom row play no part: this is the factor by which volumes grow.
