@@ -17,6 +17,7 @@ int main(int argc, char**)
         {"points", HashPoints},
         {"transforms", HashTransforms},
         {"motions and frames", HashMotionsAndFrames},
+        {"older rotations", HashOlderRotations},
         {"planes and lines", HashPlanesAndLines},
         {"boxes", HashBoxes},
         {"borders", HashBorders},

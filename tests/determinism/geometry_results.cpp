@@ -8,6 +8,7 @@
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane_equation.h>
+#include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
@@ -104,6 +105,31 @@ std::uint64_t HashMotionsAndFrames(Numbers numbers)
         frame.SetXZAxes(p[2], p[3]);
         frame.GetTransformationTo(matrix);
         AddMatrix(hash, matrix);
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashOlderRotations(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds; ++i) {
+        const MMPoint3d<float> angles(numbers.Point(400.0));
+        MMPoint3d<float> p(numbers.Point(9.0));
+        MMPoint3d<std::int32_t> grid(numbers.Point(1e9));
+        ROTEER_3D(p.x, p.y, p.z, angles.x, angles.y, angles.z);
+        ROTEER_3D(grid.x, grid.y, grid.z, angles.x, angles.y, angles.z);
+        hash.Add(MMPoint3d<double>(p));
+        hash.Add(MMPoint3d<double>(grid));
+        float a[3] = {angles.x, angles.y, angles.z};
+        float m[3][3];
+        float turn[3][3];
+        ANGLES_TO_MATRIX(m, a);
+        FILL_TRANSFORM(turn, i % 3, angles.z);
+        MATRIX_MATRIX(m, turn, m);
+        ROTEER_INVERSE(a[0], a[1], a[2]);
+        MATRIX_VECTOR(a, m, a);
+        ROTEER_ENKEL(a, i % 3, angles.y, m[0]);
+        hash.Add(MMPoint3d<double>(a[0], a[1], a[2]));
     }
     return hash.Value();
 }

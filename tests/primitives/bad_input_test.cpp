@@ -5,6 +5,7 @@
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane.h>
+#include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_exception.h>
 #include <norvek/transform/transform_matrix.h>
@@ -124,6 +125,35 @@ TEST(BadInput, EveryMotionAndFrameReturns)
         f.GetTransformation(m);
         // A frame with a matrix that can be inverted has axes that are numbers.
         EXPECT_TRUE(!m.IsInversible() || std::isfinite(m.Determinant()));
+    }
+}
+
+TEST(BadInput, EveryOlderRotationReturns)
+{
+    const Anything n;
+    const auto next = [&n] {
+        return static_cast<float>(double{n});
+    };
+    for (int i = 0; i < 20000; ++i) {
+        float a[3] = {next(), next(), next()};
+        float m[3][3];
+        auto x = static_cast<short>(i);
+        auto y = static_cast<short>(-i);
+        short z = 32767;
+        std::int32_t grid[3] = {i, -2147483647, 2147483647};
+        ROTEER_3D(x, y, z, a[0], a[1], next());
+        ROTEER_3D(grid[0], grid[1], grid[2], next(), a[1], a[2]);
+        ANGLES_TO_MATRIX(m, a);
+        FILL_TRANSFORM(m, i % 3, next());
+        ROTEER_ENKEL(m, i % 3, next());
+        ROTEER_ENKEL(a, i % 3, next(), m[1]);
+        MATRIX_MATRIX(m, m, m);
+        MATRIX_VECTOR(a, m, a);
+        GET_ALIGN_ROTATIONS(m, m[0][0], m[1][1], m[2][2]);
+        ROTEER_INVERSE(a[0], a[1], a[2]);
+        // Angles come back in one turn, or as NaN.
+        for (const float angle : a)
+            EXPECT_FALSE(std::abs(angle) > 180.0F);
     }
 }
 

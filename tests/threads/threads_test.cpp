@@ -5,6 +5,7 @@
 #include <norvek/border/border_algorithms.h>
 #include <norvek/bounds/axes_binded.h>
 #include <norvek/primitives/least_squares_plane.h>
+#include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
 
@@ -39,6 +40,10 @@ Outcome DoJob(const MMTransformMatrix& shared)
         turn *= shared;
         outcome.moved += turn(MMPoint3d<double>(1, 2, 3), false);
         outcome.moved += (*clone)(MMPoint3d<double>(3, 2, 1), false);
+
+        float angles[] = {10.0F * static_cast<float>(round), 80.0F, 3.0F};
+        ROTEER_INVERSE(angles[0], angles[1], angles[2]);
+        outcome.moved += MMPoint3d<double>(angles[0], angles[1], angles[2]);
 
         MMLeastSquarePlane fit;
         for (int i = 0; i < 100; ++i)
