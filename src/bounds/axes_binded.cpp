@@ -38,6 +38,7 @@ void LoadWithoutInverse(MMTransformMatrix& matrix, const double (&rows)[12])
 
 } // namespace
 
+// Here, so that the table of virtual functions has one home.
 M3DAxesBinded::~M3DAxesBinded() = default;
 
 void M3DAxesBinded::Copy(const M3DAxesBinded& other)
@@ -50,6 +51,7 @@ void M3DAxesBinded::Initialize()
     *this = M3DAxesBinded();
 }
 
+// Minus each dot product, and not the dot product with minus the centre: the zeros differ in sign.
 MMPoint3d<double> M3DAxesBinded::_CenterTranslation() const
 {
     return {-_center.Dot(_xAxis), -_center.Dot(_yAxis), -_center.Dot(_zAxis)};
@@ -66,6 +68,7 @@ void M3DAxesBinded::SetCenter(const MMPoint3d<double>& center)
     _UpdateTranslation();
 }
 
+// One axis alone may leave the frame skewed; the caller who sets them one by one sees to it.
 void M3DAxesBinded::SetXAxis(const MMPoint3d<double>& axis)
 {
     _xAxis = SafeDirection(axis);
@@ -84,7 +87,7 @@ void M3DAxesBinded::SetZAxis(const MMPoint3d<double>& axis)
     _UpdateTranslation();
 }
 
-// The generator overwrites the third axis, whatever it is given here.
+// In these three the generator overwrites the axis that is passed on as it was.
 void M3DAxesBinded::SetXYAxes(const MMPoint3d<double>& xAxis, const MMPoint3d<double>& yAxis)
 {
     SetXYZAxes(xAxis, yAxis, _zAxis);
@@ -180,6 +183,8 @@ void M3DAxesBinded::GetTransformation(MMTransformMatrix& matrix) const
     }
 }
 
+// Inverting is a swap, so that the two matrices of a frame agree to the bit. The columns would be
+// the inverse of orthonormal axes only; they serve where there is none.
 void M3DAxesBinded::GetTransformationTo(MMTransformMatrix& matrix) const
 {
     GetTransformation(matrix);

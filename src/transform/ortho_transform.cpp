@@ -32,6 +32,7 @@ bool AreNear(const double* a, const double* b, int count, double tolerance)
 
 } // namespace
 
+// Here, so that the table of virtual functions has one home.
 MMOrthoTransform::~MMOrthoTransform() = default;
 
 void MMOrthoTransform::Copy(const MMOrthoTransform& other)
@@ -53,6 +54,7 @@ void MMOrthoTransform::MakeIdentity()
     MakeTransformation({}, {1.0, 0.0, 0.0}, {0.0, 1.0, 0.0}, {0.0, 0.0, 1.0});
 }
 
+// The rows may have been read from this transform; they are values by now.
 void MMOrthoTransform::MakeTransformation(MMPoint3d<double> translation, MMPoint3d<double> row0,
                                           MMPoint3d<double> row1, MMPoint3d<double> row2)
 {
@@ -65,7 +67,11 @@ void MMOrthoTransform::MakeTransformation(MMPoint3d<double> translation, MMPoint
     SetTranslation(translation);
 }
 
-// Rodrigues' formula. The length is tested for not being above 0, which a NaN axis is not either.
+// Rodrigues' formula: with the unit axis a, R v = c v + s (a x v) + (1 - c) (a . v) a. The products
+// are written out, as their order decides the last bits.
+//
+// The length is tested for not being above 0, which a NaN axis is not either. Angle and centre may
+// be values of the translation, so both are read before anything is written.
 void MMOrthoTransform::MakeRotation(const MMPoint3d<double>& center, const MMPoint3d<double>& axis,
                                     const double& angle, const bool& normalise)
 {
@@ -94,6 +100,7 @@ void MMOrthoTransform::SetTranslation(MMPoint3d<double> translation)
     _translation[2] = translation.z;
 }
 
+// R c + t = c.
 void MMOrthoTransform::SetRotationCenter(MMPoint3d<double> center)
 {
     MMPoint3d<double> turned;
@@ -101,7 +108,8 @@ void MMOrthoTransform::SetRotationCenter(MMPoint3d<double> center)
     SetTranslation(center - turned);
 }
 
-// A full product and no addition to t: its zeros meet infinities, and -0 becomes 0.
+// A full product and no addition to t: its zeros meet infinities, and -0 becomes 0. R is multiplied
+// by the unit matrix for the same reason.
 void MMOrthoTransform::Translate(MMPoint3d<double> offset)
 {
     MMOrthoTransform shift;
@@ -152,12 +160,16 @@ bool MMOrthoTransform::Keeps2DOrientation() const
     return _rotation[2][2] > 0.0;
 }
 
+// Fixed bounds, whatever the unit of length; the exact comparison of kept transforms would fail for
+// one that was computed twice in different ways.
 bool MMOrthoTransform::operator==(const MMOrthoTransform& other) const
 {
     return AreNear(_rotation[0], other._rotation[0], 9, kRotationEqualTolerance) &&
            AreNear(_translation, other._translation, 3, kTranslationEqualTolerance);
 }
 
+// The kernel of the matrix transform sums as the form for one point does. Reading the twelve values
+// once also spares what a loop over single points has to do: its stores might change them.
 void MMOrthoTransform::Transform(std::vector<MMPoint3d<double>>& out,
                                  const std::vector<MMPoint3d<double>>& in) const
 {
