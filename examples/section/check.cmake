@@ -25,30 +25,7 @@ function(cube out half first turned)
     set(${out} "${text}" PARENT_SCOPE)
 endfunction()
 
-# The report of a run holds every one of the expected patterns.
-function(expect_report arguments)
-    separate_arguments(words UNIX_COMMAND "${arguments}")
-    execute_process(COMMAND ${PROGRAM} ${words} WORKING_DIRECTORY ${WORK}
-        OUTPUT_VARIABLE output ERROR_VARIABLE error RESULT_VARIABLE status)
-    if(NOT status EQUAL 0)
-        message(FATAL_ERROR "section ${arguments}: status ${status}: ${error}")
-    endif()
-    foreach(pattern IN LISTS ARGN)
-        if(NOT output MATCHES "${pattern}")
-            message(FATAL_ERROR "section ${arguments}: no '${pattern}' in\n${output}")
-        endif()
-    endforeach()
-endfunction()
-
-# A run is refused with status 1 and one line that matches.
-function(expect_refusal arguments pattern)
-    separate_arguments(words UNIX_COMMAND "${arguments}")
-    execute_process(COMMAND ${PROGRAM} ${words} WORKING_DIRECTORY ${WORK}
-        OUTPUT_VARIABLE output ERROR_VARIABLE error RESULT_VARIABLE status)
-    if(NOT status EQUAL 1 OR NOT error MATCHES "^section: [^\n]*${pattern}[^\n]*\n$")
-        message(FATAL_ERROR "section ${arguments}: status ${status}, '${error}'")
-    endif()
-endfunction()
+include(${CMAKE_CURRENT_LIST_DIR}/../support/expect.cmake)
 
 file(MAKE_DIRECTORY ${WORK})
 cube(shell 2 1 FALSE)
