@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the library and the section example, cuts the elevation model that comes with it, and says
-# where the picture is.
+# Builds the library and its examples, cuts the elevation model that comes with it, lays a plane
+# through an image volume, and says where the pictures are.
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 need_build_tools
@@ -8,4 +8,6 @@ build_preset release
 say "Cutting the elevation model"
 mkdir -p "$root/out"
 "$root/build/release/examples/section/section" --svg "$root/out/section.svg" || fail "the example failed"
-printf '\nThe picture is out/section.svg; open it in any browser.\n'
+say "Laying a plane through an image volume"
+"$root/build/release/examples/slices/slices" --svg "$root/out/slices.svg" || fail "the example failed"
+printf '\nThe pictures are out/section.svg and out/slices.svg; open them in any browser.\n'
