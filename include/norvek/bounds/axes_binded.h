@@ -49,9 +49,13 @@ public:
     /// Moves the centre; the axes stay.
     void SetCenter(const MMPoint3d<double>& center);
 
-    /// Sets one axis, normalised; the others stay.
+    /// Sets the X axis, normalised; the others stay.
     void SetXAxis(const MMPoint3d<double>& axis);
+
+    /// Sets the Y axis, normalised; the others stay.
     void SetYAxis(const MMPoint3d<double>& axis);
+
+    /// Sets the Z axis, normalised; the others stay.
     void SetZAxis(const MMPoint3d<double>& axis);
 
     /// Sets two axes, normalised, and generates the third: `GenerateZ`.
