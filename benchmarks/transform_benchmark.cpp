@@ -2,6 +2,7 @@
 
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
+#include <norvek/transform/transform_stack.h>
 
 #include <benchmark/benchmark.h>
 
@@ -82,6 +83,46 @@ void BM_RigidPointsOneByOne(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * state.range(0));
 }
 BENCHMARK(BM_RigidPointsOneByOne)->Arg(1000)->Arg(1000000);
+
+MMTransformStack ThreeMatrices()
+{
+    MMTransformMatrix affine;
+    affine.MakeFromDouble12(kAffineRows);
+    MMTransformStack stack;
+    stack.PostMultiply(Rigid());
+    stack.PostMultiply(affine);
+    stack.PostMultiply(Rigid());
+    return stack;
+}
+
+void BM_StackPoints(benchmark::State& state)
+{
+    const auto in = RandomPoints(static_cast<std::size_t>(state.range(0)));
+    std::vector<MMPoint3d<double>> out(in.size());
+    const MMTransformStack stack = ThreeMatrices();
+    for (auto _ : state) {
+        stack.Transform(out, in);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_StackPoints)->Arg(1000)->Arg(1000000);
+
+// What the stack saves its user: the vector forms of its matrices, one after the other.
+void BM_StackPoints_MatrixByMatrix(benchmark::State& state)
+{
+    const auto in = RandomPoints(static_cast<std::size_t>(state.range(0)));
+    std::vector<MMPoint3d<double>> out(in.size());
+    const MMTransformStack stack = ThreeMatrices();
+    for (auto _ : state) {
+        stack[2]->Transform(out, in);
+        stack[1]->Transform(out);
+        stack[0]->Transform(out);
+        benchmark::ClobberMemory();
+    }
+    state.SetItemsProcessed(state.iterations() * state.range(0));
+}
+BENCHMARK(BM_StackPoints_MatrixByMatrix)->Arg(1000)->Arg(1000000);
 
 void BM_Product(benchmark::State& state)
 {

@@ -18,6 +18,7 @@ int main(int argc, char**)
         {"transforms", HashTransforms},
         {"motions and frames", HashMotionsAndFrames},
         {"older rotations", HashOlderRotations},
+        {"stacks", HashStacks},
         {"planes and lines", HashPlanesAndLines},
         {"boxes", HashBoxes},
         {"borders", HashBorders},

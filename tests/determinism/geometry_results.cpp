@@ -8,9 +8,13 @@
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane_equation.h>
+#include <norvek/transform/concat.h>
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
+#include <norvek/transform/transform_stack.h>
+
+#include <memory>
 
 namespace norvek_test
 {
@@ -130,6 +134,31 @@ std::uint64_t HashOlderRotations(Numbers numbers)
         MATRIX_VECTOR(a, m, a);
         ROTEER_ENKEL(a, i % 3, angles.y, m[0]);
         hash.Add(MMPoint3d<double>(a[0], a[1], a[2]));
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashStacks(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds / 4; ++i) {
+        MMTransformStack stack;
+        for (int element = 0; element < 4; ++element) {
+            const auto p = numbers.Points<4>(5.0);
+            MMTransformMatrix matrix;
+            matrix.MakeTransformation(p[0], p[1], p[2], p[3]);
+            if (element == i % 4)
+                matrix.MakePerspectiveProjection(-1, 1, -1, p[0].x, -9, -1, 10.0 + p[0].y);
+            stack.PostMultiply(matrix);
+        }
+        const std::unique_ptr<MMTransform> merged(Concat(stack, stack));
+        hash.Add(stack.Invert());
+        const auto points = numbers.Points<9>(5.0);
+        std::vector<MMPoint3d<double>> moved(points.begin(), points.end());
+        stack.Transform(moved);
+        merged->Transform(moved);
+        for (const MMPoint3d<double>& point : moved)
+            hash.Add(point);
     }
     return hash.Value();
 }

@@ -103,6 +103,7 @@ std::uint64_t HashPoints(Numbers numbers);
 std::uint64_t HashTransforms(Numbers numbers);
 std::uint64_t HashMotionsAndFrames(Numbers numbers);
 std::uint64_t HashOlderRotations(Numbers numbers);
+std::uint64_t HashStacks(Numbers numbers);
 std::uint64_t HashPlanesAndLines(Numbers numbers);
 std::uint64_t HashBoxes(Numbers numbers);
 std::uint64_t HashBorders(Numbers numbers);

@@ -5,14 +5,18 @@
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane.h>
+#include <norvek/transform/concat.h>
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
+#include <norvek/transform/transform_equality.h>
 #include <norvek/transform/transform_exception.h>
 #include <norvek/transform/transform_matrix.h>
+#include <norvek/transform/transform_stack.h>
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <memory>
 
 namespace
 {
@@ -154,6 +158,32 @@ TEST(BadInput, EveryOlderRotationReturns)
         // Angles come back in one turn, or as NaN.
         for (const float angle : a)
             EXPECT_FALSE(std::abs(angle) > 180.0F);
+    }
+}
+
+TEST(BadInput, EveryStackReturns)
+{
+    const Anything n;
+    const auto run = [](const auto&... /*results*/) {
+    };
+    for (int i = 0; i < 5000; ++i) {
+        Point p;
+        std::vector<Point> points(9, n);
+        MMTransformStack stack;
+        for (unsigned short element = 0; element < 12; ++element) {
+            MMTransformMatrix m;
+            m.SetElement(element % 4, static_cast<unsigned short>(i % 4), n, false);
+            m.VerifyAndSetClass();
+            m.ComputeInverse();
+            stack.PostMultiply(m);
+        }
+        const std::unique_ptr<MMTransform> merged(Concat(stack, stack));
+        run(stack.Invert(), AreEqual(stack, *merged), AreEqual(*merged, *merged));
+        try {
+            run(stack.InverseTransform(p, n, true), merged->InverseTransform(p, n, false),
+                merged->Transform(points), stack.Transform(points, points));
+        } catch (const MMTransformException&) {
+        }
     }
 }
 

@@ -8,6 +8,7 @@
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
+#include <norvek/transform/transform_stack.h>
 
 #include <gtest/gtest.h>
 
@@ -83,19 +84,26 @@ TEST(Threads, DistinctObjectsWorkAtOnce)
         EXPECT_EQ(outcome, alone);
 }
 
-TEST(Threads, OneMotionAndOneFrameServeAll)
+TEST(Threads, OneMotionOneFrameAndOneStackServeAll)
 {
     MMOrthoTransform motion;
     motion.MakeRotation({1, 2, 3}, {1, 0, 1}, 0.5, true);
     M3DAxesBinded frame;
     frame.SetNormal({1, 2, 3});
-    const auto job = [&motion, &frame] {
+    MMTransformStack stack;
+    stack.PostMultiply(MMTransformMatrix());
+    stack.PostMultiply(stack);
+    const auto job = [&motion, &frame, &stack] {
         std::vector<MMPoint3d<double>> points(100, {1, 2, 3});
         for (int round = 0; round < 40; ++round) {
             motion.Transform(points);
             MMTransformMatrix toWorld;
             frame.GetTransformationTo(toWorld);
             toWorld.Transform(points);
+            MMTransformStack sharing;
+            sharing = stack;
+            sharing.PreMultiply(toWorld);
+            sharing.Transform(points, points);
         }
         return points;
     };
