@@ -42,19 +42,17 @@ NORVEK_MATH_API void MATRIX_MATRIX(float (*out)[3], const float (*a)[3], const f
 /// out = m v, summed in the same way.
 NORVEK_MATH_API void MATRIX_VECTOR(float* out, const float (*m)[3], const float* v);
 
-/// @name Turning a point by three angles
-/// p = Rx(ax) Ry(ay) Rz(az) p, angles in degrees, one turn after the other.
-///
-/// The integer forms convert the coordinates to float (a 32-bit coordinate beyond 2^24 loses digits
-/// there) and round each result half away from zero: 0.5 is added, or subtracted from a negative
-/// number, in double precision, and the fraction is dropped. Results out of range saturate, NaN
-/// gives 0.
-/// @{
-NORVEK_MATH_API void ROTEER_3D(short& x, short& y, short& z, float ax, float ay, float az);
+/// Turns a point: p = Rx(ax) Ry(ay) Rz(az) p, angles in degrees, one turn after the other.
 NORVEK_MATH_API void ROTEER_3D(float& x, float& y, float& z, float ax, float ay, float az);
+
+/// Turns a grid point in the same way and rounds each result half away from zero: 0.5 is added, or
+/// subtracted from a negative number, in double precision, and the fraction is dropped. Results out
+/// of range saturate, NaN gives 0.
+NORVEK_MATH_API void ROTEER_3D(short& x, short& y, short& z, float ax, float ay, float az);
+
+/// The same for 32-bit coordinates. Those beyond 2^24 lose digits in the float arithmetic.
 NORVEK_MATH_API void ROTEER_3D(std::int32_t& x, std::int32_t& y, std::int32_t& z, float ax,
                                float ay, float az);
-/// @}
 
 /// Turns p by `degrees` about the line through `centre` parallel to the axis. The coordinate along
 /// the axis is not touched.
