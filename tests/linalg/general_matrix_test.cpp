@@ -338,34 +338,4 @@ TEST(LowerTriangularMatrix, HasRoomInEveryShapeOfOneProduct)
     EXPECT_FALSE(g.SOLVE_G_TG_X_B(b));
 }
 
-TEST(SymmetricMatrix, StoresEachPairOnce)
-{
-    MSymmetricMatrix s(3);
-    s.SetToZero();
-    s(0, 1) = 2.0;
-    s(2, 2) = 3.0;
-    EXPECT_EQ(s.Value(1, 0), 2.0);
-    EXPECT_EQ(s.GetEuclidNormSq(), 17.0);
-    EXPECT_EQ(s.GetOffDiagonalEuclidNormSq(), 8.0);
-    EXPECT_FALSE(s.SetDimensions(3, 4));
-    MSymmetricMatrix damped;
-    s.MultiplyDiagonal(damped, 1.5);
-    EXPECT_EQ(RowByRow(damped), (Values{0, 2, 0, 2, 0, 0, 0, 0, 4.5}));
-    unsigned int p = 7;
-    unsigned int q = 7;
-    MSymmetricMatrix().ChooseJacobiIndices(p, q);
-    EXPECT_EQ(p + q, 0U);
-    s(2, 1) = -2.0;
-    s.ChooseJacobiIndices(p, q);
-    EXPECT_EQ(std::pair(p, q), std::pair(0U, 1U));
-    s(2, 1) = -2.5;
-    s.ChooseJacobiIndices(p, q);
-    EXPECT_EQ(std::pair(p, q), std::pair(1U, 2U));
-    s.MultiplyDiagonal(s, 2.0);
-    EXPECT_EQ(s.Value(2, 2), 6.0);
-    s.CleanUp();
-    damped = s;
-    EXPECT_EQ(damped.GetNumRows(), 3U);
-}
-
 } // namespace

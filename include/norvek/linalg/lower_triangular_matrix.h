@@ -54,6 +54,8 @@ public:
     bool SOLVE_G_TG_X_B(double* const b) const;
 
 private:
+    friend class MSymmetricMatrix;
+
     [[nodiscard]] static std::size_t _Index(std::size_t row, std::size_t column)
     {
         return row * (row + 1) / 2 + column;

@@ -5,6 +5,8 @@
 
 #include <cassert>
 
+class MLowerTriangularMatrix;
+
 /// A symmetric matrix, its lower triangle packed row by row: (i, j) and (j, i) are one stored
 /// value, at index g (g + 1) / 2 + s with g the greater and s the smaller of i and j.
 ///
@@ -66,6 +68,21 @@ public:
     /// ones the first, row by row. Both 0 when nothing off the diagonal differs from 0. NaN does
     /// not count. Cost: n^2 / 2.
     void ChooseJacobiIndices(unsigned int& p, unsigned int& q) const;
+
+    /// Factorises in place into G G': the stored triangle becomes G, lower triangular with a
+    /// positive diagonal.
+    ///
+    /// False at the first pivot that is zero or negative: the columns before it are those of G
+    /// then, its own has been reduced but not divided, and the columns behind it are untouched.
+    /// NaN is not refused; it goes on into the factor. True for the empty matrix. Cost: n^3 / 3.
+    bool FactoriseCholesky();
+
+    /// Factorises in place and hands the storage to `g`, whose own is freed; this matrix is left
+    /// 0 x 0. `g` solves A x = b by `SOLVE_G_TG_X_B`.
+    ///
+    /// False as for `FactoriseCholesky`: `g` is untouched then, and this matrix keeps its storage,
+    /// partly overwritten.
+    bool FACTORISE_CHOLESKY(MLowerTriangularMatrix& g);
 
 private:
     friend class MGeneralMatrix;
