@@ -17,11 +17,10 @@ namespace
 constexpr double kVerifyTolerance = 1.1102230246251565e-12;
 static_assert(kVerifyTolerance == 5000.0 * kMachineEpsilon);
 
-// Equal transforms: ten square roots of the machine epsilon in R and a hundred in t.
+// Equal rotations: ten square roots of the machine epsilon, a tenth of what equal matrices are
+// allowed. Translations are compared as matrices are.
 constexpr double kRotationEqualTolerance = 1.4901161193847656e-07;
-constexpr double kTranslationEqualTolerance = 1.4901161193847656e-06;
 static_assert(kRotationEqualTolerance == 10.0 * kSqrtMachineEpsilon);
-static_assert(kTranslationEqualTolerance == 100.0 * kSqrtMachineEpsilon);
 
 // Strictly, so that NaN is near nothing.
 bool AreNear(const double* a, const double* b, int count, double tolerance)
@@ -165,7 +164,7 @@ bool MMOrthoTransform::Keeps2DOrientation() const
 bool MMOrthoTransform::operator==(const MMOrthoTransform& other) const
 {
     return AreNear(_rotation[0], other._rotation[0], 9, kRotationEqualTolerance) &&
-           AreNear(_translation, other._translation, 3, kTranslationEqualTolerance);
+           AreNear(_translation, other._translation, 3, kMatrixEqualTolerance);
 }
 
 // The kernel of the matrix transform sums as the form for one point does. Reading the twelve values
