@@ -15,11 +15,13 @@ bool IsOrHolds(const MMTransform& transform, const MMTransformStack& wanted)
     const auto* const stack = dynamic_cast<const MMTransformStack*>(&transform);
     if (stack == nullptr)
         return false;
-    const auto& elements = stack->_GetTransforms();
-    return stack == &wanted ||
-           std::any_of(elements.begin(), elements.end(), [&wanted](const MMTransform* element) {
-               return IsOrHolds(*element, wanted);
-           });
+    if (stack == &wanted)
+        return true;
+    for (const MMTransform* const element : stack->_GetTransforms()) {
+        if (IsOrHolds(*element, wanted))
+            return true;
+    }
+    return false;
 }
 
 // A container leaves open in which order it destroys; the order from first to last is promised.
@@ -69,10 +71,11 @@ MMTransform* MMTransformStack::Clone() const
 }
 
 // The shared owner of a pointer handed in: the one it has in this stack, else a new one, which
-// destroys the object when there is no memory for it.
+// destroys the object when there is no memory for it. Trusting the caller would save the search,
+// but make a pointer that is put in twice be destroyed twice.
 MMTransformStack::_Owner MMTransformStack::_Own(MMTransform* transform) const
 {
-    assert(transform != nullptr && !IsOrHolds(*transform, *this));
+    assert(transform != nullptr && transform != this);
     const auto found = std::find(_transforms.begin(), _transforms.end(), transform);
     if (found == _transforms.end())
         return _Owner(transform);
@@ -183,8 +186,8 @@ void MMTransformStack::MakeIdentity()
     _transforms.clear();
 }
 
-// The second of a pair that fails leaves the first inverted and in its place: callers rely on the
-// elements that are handled, not on the order of those that are not.
+// Inverted first and exchanged afterwards, so that a second one that fails leaves the first
+// inverted in its old place: meant. An object that is held twice is inverted twice.
 bool MMTransformStack::Invert()
 {
     const std::size_t count = _transforms.size();
@@ -198,7 +201,7 @@ bool MMTransformStack::Invert()
     return count % 2 == 0 || _transforms[count / 2]->Invert();
 }
 
-// Wraps, as the type of the count does.
+// Wraps at 65,536: meant, callers know the narrow count. Nothing here counts by it.
 unsigned short MMTransformStack::GetNrTransforms() const
 {
     return static_cast<unsigned short>(_transforms.size());
@@ -222,6 +225,7 @@ MMTransform* MMTransformStack::operator[](int index) const
     return _transforms[static_cast<std::size_t>(index)];
 }
 
+// Not even a stack of matrices only has one: callers tell stacks from matrices by this answer.
 bool MMTransformStack::ConvertToFloat16(float* /*matrix*/) const
 {
     return false;

@@ -14,29 +14,25 @@
 ///
 /// **Ownership.** The stack owns its elements. Copy construction, `Clone` and `PostAddStack` clone
 /// them. Assignment shares them, on purpose: both stacks then hold the same objects, a change of
-/// one of them (through a pointer, or by `Invert`) shows in both, and each object is destroyed
-/// once, by the last stack that lets go of it. A stack lets go of its elements from the first to
-/// the last.
+/// one shows in both, and each object is destroyed once, by the last stack that lets go of it. A
+/// stack lets go of its elements from the first to the last.
 ///
 /// A pointer handed in must not be null, must come from `new` or `Clone`, and must belong to no one
-/// else; the stack owns it from then on, also when the call throws `std::bad_alloc` (it is
-/// destroyed then). A pointer that this very stack holds already is held once more, not owned
-/// twice. No stack may come to hold itself, at any depth: with pointers that is the caller's to
-/// avoid; assignment and taking over see to it themselves. Pointers handed out stay the stack's,
-/// and live until the last stack that holds them lets go.
+/// else. It belongs to the stack from then on; when the call throws `std::bad_alloc` the object is
+/// destroyed. A pointer that this very stack holds already is held once more, not owned twice.
+/// Pointers handed out stay the stack's. No stack may come to hold itself, at any depth: assignment
+/// and taking over see to it, with pointers it is the caller's to avoid.
 ///
-/// **Failure.** When an element fails (false) or throws, the output of the point forms on
-/// `MMPoint3d<double>` holds the point half-way: the image under the elements that came before. The
-/// stack has no matrix.
+/// **Failure.** When an element fails (false) or throws, the point forms on `MMPoint3d<double>`
+/// leave the point half-way: its image under the elements that came before.
 ///
-/// Laws: (S followed by its inverse) is the identity to rounding; a copy gives the same bits. Not
-/// laws: `Invert` undoes what `InverseTransform` undoes only where every object is held once, since
-/// one that is held twice is inverted twice; `Invert` after a shallow assignment leaves the other
-/// stack with inverted elements in the old order.
+/// Laws: a copy gives the same bits; an inverted stack maps back to rounding. The latter is no law
+/// where an object is held twice (it is inverted twice), nor for the other holder of the elements,
+/// which sees them inverted in the old order.
 ///
-/// Nested stacks call each other, so that their depth is limited by the call stack (tens of
-/// thousands). Distinct stacks may be used from distinct threads, even those that share elements as
-/// long as none is changed; const operations on one stack as well.
+/// Nested stacks call each other, so that the call stack limits their depth. Distinct stacks may be
+/// used from distinct threads, even when they share elements, as long as no element is changed;
+/// const operations on one stack as well.
 class NORVEK_MATH_API MMTransformStack : public MMTransform
 {
 public:
@@ -50,10 +46,10 @@ public:
     /// Clones of all elements of `other`.
     MMTransformStack(const MMTransformStack& other);
 
-    /// Shares the elements of `other` instead of cloning them; use the copy constructor or `Clone`
-    /// for an independent stack. What this stack held before is let go. An element that is or holds
-    /// this very stack is cloned, because no stack can hold itself. `other` may be an element of
-    /// this stack. Nothing changes when an exception is thrown.
+    /// Shares the elements of `other` and lets go of those held before. For an independent stack
+    /// use the copy constructor or `Clone`. An element that is or holds this very stack is cloned,
+    /// because no stack can hold itself. `other` may be an element of this stack. Nothing changes
+    /// when an exception is thrown.
     MMTransformStack& operator=(const MMTransformStack& other);
 
     /// Lets go of all elements, from the first to the last.
@@ -134,7 +130,8 @@ public:
         return _transforms;
     }
 
-    /// False, and nothing is written: a stack has no matrix, not even one made of matrices.
+    /// False, and nothing is written: a stack has no matrix. `Concat` with an identity makes one of
+    /// a stack of matrices.
     bool ConvertToFloat16(float* matrix) const override;
 
     /// True when every element reports the identity; true for the empty stack.
