@@ -25,11 +25,9 @@
 /// nothing with the list. `MMTransformMatrix`, `MMTransformIdentity` and `MMTransformStack` are
 /// treated so; classes derived from them may map otherwise, and are pieces like any other kind.
 ///
-/// The result is the same map as the list, to rounding, forward and back, for positions and for
-/// directions. Two consequences:
-/// - The product of matrices is invertible only when both are; it never reports otherwise as that
-/// of
-///   `operator*` may.
+/// The result is the same map as the list, to rounding and but for products that overflow, forward
+/// and back, for positions and for directions. Two consequences:
+/// - A product is invertible when both factors are, where that of `operator*` goes by the first.
 /// - A matrix with a projective bottom row is multiplied only with an affine one without
 ///   translation. With another the product would move directions, or would map points that the
 ///   chain throws for. Such neighbours stay two pieces; who wants their product uses `operator*`.

@@ -4,12 +4,11 @@
 
 /// True when two transforms are known to be equal: the equality behind `MMTransformStack::_Equal`.
 ///
-/// | kinds | compared by |
-/// |---|---|
-/// | `MMTransformMatrix`, `MMTransformIdentity` | their 16 elements, by `MMTransformMatrix::_Equal`
-/// | | `MMTransformStack` | length, and each element with its counterpart, by this equality | |
-/// another kind, with itself | the elements of `ConvertToDouble16` under the same tolerance | | two
-/// different kinds | never equal |
+/// - An `MMTransformMatrix` or `MMTransformIdentity` with another: element by element, by
+///   `MMTransformMatrix::_Equal`.
+/// - Two stacks: their lengths, and each element with its counterpart, by this equality.
+/// - Another kind with its own kind: the elements of `ConvertToDouble16`, under the same tolerance.
+/// - Two different kinds are never equal.
 ///
 /// An identity counts as the unit matrix. A kind is the exact class: a class derived from one of
 /// those above may map otherwise and is a kind of its own. Where a kind has no matrix there is
