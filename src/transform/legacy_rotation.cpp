@@ -5,6 +5,14 @@
 #include <cassert>
 #include <cmath>
 
+// Notation: c and s are the cosine and sine of a turn; i and j the two coordinates that it changes,
+// those after its axis in the cycle x, y, z. One formula then serves Rx, Ry and Rz alike:
+//
+//     i' = c i - s j,    j' = c j + s i
+//
+// Each product, sum and difference is rounded to float: contraction is off, and the registers of
+// the supported machines hold no more digits than the type.
+
 using Norvek::Math::Core::CoordinateCast;
 
 namespace
@@ -117,6 +125,7 @@ void ANGLES_TO_MATRIX(float (*m)[3], float* angles)
     TurnRows(m, 0, x);
 }
 
+// -s of angle 0 is -0, and stays so: the matrix is filled, not computed.
 void FILL_TRANSFORM(float (*m)[3], std::int32_t axis, float degrees)
 {
     const Plane plane = PlaneOfTurn(axis);
@@ -172,6 +181,7 @@ void ROTEER_3D(std::int32_t& x, std::int32_t& y, std::int32_t& z, float ax, floa
     RotateGridPoint(x, y, z, ax, ay, az);
 }
 
+// The centre may be the point itself or share storage with it: both coordinates are read first.
 void ROTEER_ENKEL(float* p, std::int32_t axis, float degrees, float* centre)
 {
     const Plane plane = PlaneOfTurn(axis);
@@ -227,6 +237,8 @@ void GET_ALIGN_ROTATIONS(const float (*m)[3], float& ax, float& ay, float& az)
     az = z;
 }
 
+// The rotation is built as a matrix first: its angles in another order cannot be had from the old
+// angles directly. They stay in locals and are written last.
 void ROTEER_INVERSE(float& ax, float& ay, float& az)
 {
     float m[3][3];

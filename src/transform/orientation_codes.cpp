@@ -109,6 +109,7 @@ bool IsOrientationValid(const wchar_t* code)
     return true;
 }
 
+// Opposites are left to the test of validity.
 bool IsOrientationComplete(const wchar_t* code)
 {
     if (!HasThreeLetters(code))
@@ -126,6 +127,8 @@ bool IsOrientationAxial(const wchar_t* code)
     return ToUpper(code[2]) == L'X' && !IsTopOrBottom(code[0]) && !IsTopOrBottom(code[1]);
 }
 
+// The home frame is right-handed. Each axis that is turned round changes that, and so does the
+// exchange of two; three letters off home are a cyclic permutation, which does not.
 bool IsOrientationRightHanded(const wchar_t* code)
 {
     if (!IsOrientationRightHandedValid(code))
@@ -134,6 +137,7 @@ bool IsOrientationRightHanded(const wchar_t* code)
     return (CountNegative(code) + numExchanges) % 2 == 0;
 }
 
+// One letter alone cannot be away from home: no permutation moves a single axis.
 bool IsOrientationRightHandedValid(const wchar_t* code)
 {
     return HasThreeLetters(code) && CountOffHome(code) != 1;
@@ -154,6 +158,8 @@ bool MAAK_RECHTSHANDIG(wchar_t* code)
     return true;
 }
 
+// Moved, not copied: the strings may overlap, and a copy from the front would then run over the
+// terminating zero and never find it. That zero is not a y letter to be turned round.
 unsigned char ORIENTATIE_MET_SPIEGEL(wchar_t* out, const wchar_t* in, unsigned char mirror)
 {
     if (out == nullptr)

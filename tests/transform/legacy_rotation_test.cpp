@@ -47,10 +47,11 @@ void ExpectUndone(float x, float y, float z)
 
 TEST(LegacyRotation, InverseAnglesUndoEveryRotation)
 {
+    const auto eighths = [](int count) {
+        return 45.0F * static_cast<float>(count - 8);
+    };
     for (int i = 0; i < 17 * 17 * 17; ++i)
-        ExpectUndone(45.0F * static_cast<float>(i % 17 - 8),
-                     45.0F * static_cast<float>(i / 17 % 17 - 8),
-                     45.0F * static_cast<float>(i / 289 - 8));
+        ExpectUndone(eighths(i % 17), eighths(i / 17 % 17), eighths(i / 289));
     Random random(381);
     for (int i = 0; i < 30000; ++i) {
         const Eigen::Vector3f a = RandomVector(random, 360.0);
@@ -106,17 +107,23 @@ TEST(LegacyRotation, EveryStepIsRoundedToFloat)
         return static_cast<float>(double{left} + double{right});
     };
     Random random(383);
+    Rows m;
     for (int i = 0; i < 2000; ++i) {
         const Eigen::Vector3f p = RandomVector(random, 300.0);
         float turn[] = {1.0F, 0.0F, 0.0F};
         ROTEER_ENKEL(turn, 2, p.z());
+        // The two conversions, and the nearest floats to cosine and sine of what they give.
+        const auto radians = static_cast<float>(double{p.z()} * 3.14159265359 / 180.0);
+        EXPECT_EQ(turn[0], static_cast<float>(std::cos(static_cast<long double>(radians))));
+        FILL_TRANSFORM(m, 2, p.z());
+        const long double older = p.z() * 0.017453292F;
+        EXPECT_EQ(m[1][0], static_cast<float>(std::sin(older)));
         Eigen::Vector3f q = p;
         ROTEER_3D(q[0], q[1], q[2], 0.0F, 0.0F, p.z());
         EXPECT_EQ(q[0], sum(p[0], turn[0], -p[1], turn[1]));
         EXPECT_EQ(q[1], sum(p[0], turn[1], p[1], turn[0]));
     }
     // Neither conversion makes 90 degrees exactly a quarter turn.
-    Rows m;
     FILL_TRANSFORM(m, 2, 90.0F);
     float v[] = {1.0F, -0.0F, 0.0F};
     ROTEER_ENKEL(v, 2, 90.0F);
