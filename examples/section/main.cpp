@@ -3,12 +3,12 @@
 
 #include "options.h"
 #include "picture.h"
-#include "progress.h"
 #include "report.h"
 #include "section.h"
 #include "support/failure.h"
+#include "support/progress.h"
+#include "support/surface.h"
 #include "support/text.h"
-#include "surface.h"
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +19,7 @@ namespace section
 {
 
 using example::Failure;
+using example::ReadSurface;
 using example::ShortNumber;
 
 namespace

@@ -2,7 +2,7 @@
 
 #include "options.h"
 #include "section.h"
-#include "surface.h"
+#include "support/surface.h"
 
 #include <optional>
 #include <vector>

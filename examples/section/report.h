@@ -1,9 +1,9 @@
 #pragma once
 
 #include "options.h"
-#include "progress.h"
 #include "section.h"
-#include "surface.h"
+#include "support/progress.h"
+#include "support/surface.h"
 
 #include <optional>
 #include <ostream>

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "options.h"
-#include "progress.h"
-#include "surface.h"
+#include "support/progress.h"
+#include "support/surface.h"
 
 #include <norvek/border/border.h>
 #include <norvek/primitives/plane_equation.h>
@@ -13,6 +13,9 @@
 
 namespace section
 {
+
+using example::Progress;
+using example::Surface;
 
 using SectionPoint = M3dBorderPoint<float, float>;
 using SectionContour = M3dBorderContour<float, float, SectionPoint>;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "progress.h"
+#include "support/progress.h"
 
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/foundation/point3d.h>
@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-namespace section
+namespace example
 {
 
 /// A triangulated surface. The points are reduced: `centre` has been subtracted from them, so that
@@ -34,4 +34,4 @@ struct Surface
 /// cannot be read, for a malformed line (with its number) and for a surface without triangles.
 Surface ReadSurface(const std::string& path, Progress& progress);
 
-} // namespace section
+} // namespace example

@@ -5,7 +5,7 @@
 #include <utility>
 #include <vector>
 
-namespace section
+namespace example
 {
 
 /// Measures the steps of the job, and shows on a terminal which step runs and how far it has come
@@ -56,4 +56,4 @@ private:
     Clock::time_point _shown = _begun;
 };
 
-} // namespace section
+} // namespace example

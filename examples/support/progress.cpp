@@ -1,10 +1,10 @@
-#include "progress.h"
+#include "support/progress.h"
 
 #include <algorithm>
 #include <cstdio>
 #include <unistd.h>
 
-namespace section
+namespace example
 {
 
 void Progress::Begin(const std::string& step)
@@ -58,4 +58,4 @@ Progress::~Progress()
     Wipe();
 }
 
-} // namespace section
+} // namespace example

@@ -1,4 +1,4 @@
-#include "surface.h"
+#include "support/surface.h"
 
 #include "support/failure.h"
 #include "support/numbers.h"
@@ -11,11 +11,8 @@
 #include <limits>
 #include <string_view>
 
-namespace section
+namespace example
 {
-
-using example::Failure;
-using example::kLargestNumber;
 
 namespace
 {
@@ -278,4 +275,4 @@ Surface ReadSurface(const std::string& path, Progress& progress)
     return surface;
 }
 
-} // namespace section
+} // namespace example
