@@ -15,6 +15,7 @@ int main(int argc, char**)
     };
     constexpr Family families[] = {
         {"points", HashPoints},
+        {"numbers", HashNumbersAlongALine},
         {"transforms", HashTransforms},
         {"motions and frames", HashMotionsAndFrames},
         {"older rotations", HashOlderRotations},

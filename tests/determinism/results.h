@@ -100,6 +100,7 @@ private:
 /// @name The results of a few thousand operations of each family
 /// @{
 std::uint64_t HashPoints(Numbers numbers);
+std::uint64_t HashNumbersAlongALine(Numbers numbers);
 std::uint64_t HashTransforms(Numbers numbers);
 std::uint64_t HashMotionsAndFrames(Numbers numbers);
 std::uint64_t HashOlderRotations(Numbers numbers);

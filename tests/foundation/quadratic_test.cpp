@@ -1,0 +1,125 @@
+#include "support/random.h"
+
+#include <norvek/foundation/diminishing_functions.h>
+#include <norvek/foundation/quadratic.h>
+#include <norvek/foundation/quadratic_equation.h>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <numbers>
+
+namespace
+{
+
+using norvek_test::Random;
+
+constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
+
+TEST(QuadraticEquation, SolvesAndCountsByTheExactDiscriminant)
+{
+    Random random(611);
+    for (int i = 0; i < 1000; ++i) {
+        const double a = random.Uniform(0.5, 2.0);
+        const double low = random.Uniform(-3.0, 0.0);
+        const double high = random.Uniform(0.1, 3.0);
+        MMQuadraticEquation equation(0.0, 0.0, 0.0);
+        equation.Set(a, -a * (low + high), a * low * high);
+        ASSERT_EQ(equation.GetNumRoots(), 2);
+        EXPECT_NEAR(equation.GetRoot(0), low, 1e-13);
+        EXPECT_NEAR(equation.GetRoot(1), high, 1e-13);
+    }
+    MMQuadraticEquation equation(1.0, -6.0, 9.0);
+    EXPECT_EQ(equation.GetNumRoots(), 1);
+    EXPECT_EQ(equation.GetRoot(0), 3.0);
+    equation.SetC(10.0);
+    EXPECT_FALSE(equation.Solve());
+    EXPECT_EQ(equation.GetNumRoots(), 0);
+    EXPECT_EQ(equation.GetRoot(1), 0.0);
+    equation.SetB(kNan);
+    EXPECT_TRUE(equation.Solve());
+    EXPECT_EQ(equation.GetNumRoots(), 1);
+    // A linear equation is not recognised.
+    equation.Set(0.0, 2.0, -4.0);
+    EXPECT_EQ(equation.GetNumRoots(), 2);
+    EXPECT_TRUE(std::isnan(equation.GetRoot(1)) && std::isinf(equation.GetRoot(0)));
+}
+
+TEST(Quadratic, FitMinimisesTheSquares)
+{
+    Random random(612);
+    std::map<double, double> points;
+    for (int i = 0; i < 50; ++i) {
+        const double x = random.Uniform(-2.0, 2.0);
+        points[x] = 1.5 * x * x - 0.5 * x + 3.0 + random.Uniform(-0.1, 0.1);
+    }
+    MM1dQuadratic fit;
+    ASSERT_TRUE(fit.FitThroughMap(points));
+    // The residuals are perpendicular to 1, x and x^2.
+    double products[3]{};
+    for (const auto& [x, y] : points) {
+        const double residual = y - fit(x);
+        products[0] += residual;
+        products[1] += residual * x;
+        products[2] += residual * x * x;
+    }
+    for (const double product : products)
+        EXPECT_NEAR(product, 0.0, 1e-12);
+    double x = 0.0;
+    double y = 0.0;
+    ASSERT_TRUE(fit.GetTopOfQuadratic(x, y));
+    EXPECT_NEAR(fit(x), y, 1e-14);
+    EXPECT_GT(fit(x + 1e-3), y);
+
+    const MM1dQuadratic before = fit;
+    EXPECT_FALSE(fit.FitThroughMap({{1.0, 2.0}, {3.0, 4.0}}));
+    EXPECT_FALSE(fit.FitThroughMap({{1e-99, 2.0}, {2e-99, 4.0}, {3e-99, 4.0}}));
+    EXPECT_EQ(fit, before);
+}
+
+TEST(Quadratic, RefusesAStraightLine)
+{
+    double a = 7.0;
+    double b = 7.0;
+    double c = 7.0;
+    for (const double none : {0.0, -0.0, kNan}) {
+        const MM1dQuadratic line(none, 2.0, 3.0);
+        EXPECT_FALSE(line.GetTopOfQuadratic(a, b));
+        EXPECT_EQ(a, 7.0);
+        double zero = 7.0;
+        EXPECT_FALSE(line.GetCoefficients(zero, b, c));
+        EXPECT_EQ(zero + b + c, 0.0);
+    }
+    EXPECT_TRUE(MM1dQuadratic(1.0, 2.0, 3.0).GetCoefficients(a, b, c));
+    EXPECT_EQ(a + 10.0 * b + 100.0 * c, 321.0);
+}
+
+TEST(Diminishing, BlendsAndKeepsItsAbsoluteTest)
+{
+    using namespace DiminishingFunctions;
+    for (const double x : {1.0, 2.5, 5.0, 9.0}) {
+        EXPECT_NEAR(DoDiminishing(x, 0.0, 10.0, 2.0, 7.0, Linear), 2.0 + 0.5 * x, 1e-6);
+        const double wave = 4.5 - 2.5 * std::cos(x * std::numbers::pi / 10.0);
+        EXPECT_NEAR(DoDiminishing(x, 0.0, 10.0, 2.0, 7.0, Cosine), wave, 1e-6);
+    }
+    const MMPoint3d<float> start(1.0F, 2.0F, 3.0F);
+    const MMPoint3d<float> end(3.0F, 6.0F, 1.0F);
+    EXPECT_EQ(DoDiminishing(3.0, 2.0, 4.0, start, end, Linear), MMPoint3d<float>(2.0F, 4.0F, 2.0F));
+    for (const auto type : {Linear, Cosine}) {
+        EXPECT_EQ(DoDiminishing(1e-8, 0.0, 10.0, 2.0, 7.0, type), 2.0);
+        EXPECT_EQ(DoDiminishing(10.0 - 1e-8, 0.0, 10.0, 2.0, 7.0, type), 7.0);
+        EXPECT_EQ(DoDiminishing(-1.0, -5.0, 10.0, 2.0, 7.0, type), 7.0);
+        EXPECT_EQ(DoDiminishing(-6.0, -5.0, 10.0, 2.0, 7.0, type), 2.0);
+        EXPECT_TRUE(std::isnan(DoDiminishing(kNan, 0.0, 10.0, 2.0, 7.0, type)));
+    }
+    EXPECT_EQ(DoDiminishing(-6.0, -5.0, 10.0, 2.0, 7.0, AtEnd), 7.0);
+    EXPECT_EQ(DoDiminishing(50.0, 0.0, 10.0, 2.0, 7.0, static_cast<DiminishingType>(3)), 2.0);
+    // Each weight is rounded on its own: a third and two thirds of 1 do not make 1.
+    const float third = 1.0F / 3.0F;
+    const double sum = DoDiminishing(1.0, 0.0, 3.0, 1.0, 0.0, Linear) -
+                       static_cast<double>(static_cast<float>(2.0 / 3.0));
+    EXPECT_EQ(sum, 0.0);
+    EXPECT_EQ(DoDiminishing(1.0, 0.0, 3.0, 0.0, 1.0, Linear), static_cast<double>(third));
+}
+
+} // namespace
