@@ -2,8 +2,10 @@
 
 #include "support/linalg_inputs.h"
 
+#include <norvek/linalg/lower_triangular_matrix.h>
 #include <norvek/linalg/lu_matrix.h>
 #include <norvek/linalg/matrix3x3.h>
+#include <norvek/linalg/symmetric_matrix.h>
 
 #include <benchmark/benchmark.h>
 
@@ -18,6 +20,17 @@ MGeneralMatrix RandomMatrix(unsigned int rows, unsigned int columns)
     auto* const array = new double[values.size()];
     std::copy(values.begin(), values.end(), array);
     return {rows, columns, array};
+}
+
+MSymmetricMatrix SymmetricMatrix(unsigned int order, double diagonal)
+{
+    const auto values = norvek_benchmark::SymmetricValues(order, diagonal);
+    MSymmetricMatrix matrix(order);
+    for (unsigned int i = 0; i < order; ++i) {
+        for (unsigned int j = 0; j <= i; ++j)
+            matrix(i, j) = values[std::size_t{i} * order + j];
+    }
+    return matrix;
 }
 
 void BM_Eigen3x3(benchmark::State& state)
@@ -78,5 +91,21 @@ BENCHMARK(BM_QRLeastSquares)
     ->Args({500, 500})
     ->Args({10, 20})
     ->Args({200, 400});
+
+void BM_CholeskySolve(benchmark::State& state)
+{
+    const auto n = static_cast<unsigned int>(state.range(0));
+    const MSymmetricMatrix a = SymmetricMatrix(n, n);
+    const auto right = norvek_benchmark::RandomValues(n);
+    for (auto _ : state) {
+        MSymmetricMatrix work(a);
+        MLowerTriangularMatrix g;
+        std::vector<double> x(right);
+        benchmark::DoNotOptimize(work.FACTORISE_CHOLESKY(g));
+        benchmark::DoNotOptimize(g.SOLVE_G_TG_X_B(x.data()));
+        benchmark::DoNotOptimize(x.data());
+    }
+}
+BENCHMARK(BM_CholeskySolve)->Arg(4)->Arg(10)->Arg(50)->Arg(200)->Arg(500);
 
 } // namespace

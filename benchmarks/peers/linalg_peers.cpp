@@ -21,6 +21,13 @@ Eigen::VectorXd RandomVector(Eigen::Index count)
     return Eigen::Map<const Eigen::VectorXd>(values.data(), count);
 }
 
+Eigen::MatrixXd SymmetricMatrix(Eigen::Index order, double diagonal)
+{
+    const auto values =
+        norvek_benchmark::SymmetricValues(static_cast<std::size_t>(order), diagonal);
+    return Eigen::Map<const Eigen::MatrixXd>(values.data(), order, order);
+}
+
 void BM_Eigen3x3_Eigen(benchmark::State& state)
 {
     const auto inputs = norvek_benchmark::ScatterMatrices(1000);
@@ -66,5 +73,16 @@ BENCHMARK(BM_QRLeastSquares_Eigen)
     ->Args({500, 500})
     ->Args({10, 20})
     ->Args({200, 400});
+
+void BM_CholeskySolve_Eigen(benchmark::State& state)
+{
+    const Eigen::MatrixXd a = SymmetricMatrix(state.range(0), static_cast<double>(state.range(0)));
+    const Eigen::VectorXd right = RandomVector(state.range(0));
+    for (auto _ : state) {
+        const Eigen::VectorXd x = a.llt().solve(right);
+        benchmark::DoNotOptimize(x.data());
+    }
+}
+BENCHMARK(BM_CholeskySolve_Eigen)->Arg(4)->Arg(10)->Arg(50)->Arg(200)->Arg(500);
 
 } // namespace

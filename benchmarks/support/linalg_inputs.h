@@ -35,4 +35,17 @@ inline std::vector<std::array<double, 9>> ScatterMatrices(std::size_t count)
     return matrices;
 }
 
+/// A symmetric matrix of random values, row by row. With `diagonal` added to its diagonal it is
+/// positive definite from about the root of the order on.
+inline std::vector<double> SymmetricValues(std::size_t order, double diagonal)
+{
+    std::vector<double> values = RandomValues(order * order);
+    for (std::size_t i = 0; i < order; ++i) {
+        values[i * order + i] += diagonal;
+        for (std::size_t j = 0; j < i; ++j)
+            values[j * order + i] = values[i * order + j];
+    }
+    return values;
+}
+
 } // namespace norvek_benchmark

@@ -5,6 +5,54 @@
 
 using Norvek::Math::Core::kMachineEpsilon;
 
+namespace
+{
+
+// G y = b. That the first diagonal element is not tested, nor the last on the way back, is meant.
+bool SubstituteForwards(const double* g, std::size_t n, double* b)
+{
+    // The newest value, which comes last in the next row, stays in a register.
+    double newest = b[0] / g[0];
+    b[0] = newest;
+    const double* row = g + 1;
+    for (std::size_t i = 1; i < n; row += ++i) {
+        if (std::abs(row[i]) < kMachineEpsilon)
+            return false;
+        double sum = 0.0;
+        for (std::size_t j = 0; j + 1 < i; ++j)
+            sum += row[j] * b[j];
+        sum += row[i - 1] * newest;
+        newest = (b[i] - sum) / row[i];
+        b[i] = newest;
+    }
+    return true;
+}
+
+// G' x = y, down the columns of G.
+bool SubstituteBackwards(const double* g, std::size_t n, double* b)
+{
+    const double* diagonal = g + n * (n + 1) / 2 - 1;
+    // The newest value, with which every column begins its sum, stays in a register.
+    double newest = b[n - 1] / *diagonal;
+    b[n - 1] = newest;
+    for (std::size_t i = n - 1; i-- > 0;) {
+        diagonal -= i + 2;
+        if (std::abs(*diagonal) < kMachineEpsilon)
+            return false;
+        const double* value = diagonal + i + 1;
+        double sum = 0.0 + *value * newest;
+        for (std::size_t j = i + 2; j < n; ++j) {
+            value += j;
+            sum += *value * b[j];
+        }
+        newest = (b[i] - sum) / *diagonal;
+        b[i] = newest;
+    }
+    return true;
+}
+
+} // namespace
+
 MLowerTriangularMatrix& MLowerTriangularMatrix::operator=(const MLowerTriangularMatrix& other)
 {
     _storage = other._storage;
@@ -36,31 +84,6 @@ bool MLowerTriangularMatrix::SOLVE_G_TG_X_B(double* const b) const
         return true;
     if (_storage.Count() < _Index(n, 0))
         return false;
-    const double* const g = _storage.Values();
-
-    // G y = b. That the first diagonal element is not tested here, nor the last on the way back, is
-    // meant.
-    b[0] /= g[0];
-    for (std::size_t i = 1; i < n; ++i) {
-        const double* const row = g + _Index(i, 0);
-        if (std::abs(row[i]) < kMachineEpsilon)
-            return false;
-        double sum = 0.0;
-        for (std::size_t j = 0; j < i; ++j)
-            sum += row[j] * b[j];
-        b[i] = (b[i] - sum) / row[i];
-    }
-
-    // G' x = y, down the columns of G.
-    b[n - 1] /= g[_Index(n - 1, n - 1)];
-    for (std::size_t i = n - 1; i-- > 0;) {
-        const double diagonal = g[_Index(i, i)];
-        if (std::abs(diagonal) < kMachineEpsilon)
-            return false;
-        double sum = 0.0;
-        for (std::size_t j = i + 1; j < n; ++j)
-            sum += g[_Index(j, i)] * b[j];
-        b[i] = (b[i] - sum) / diagonal;
-    }
-    return true;
+    return SubstituteForwards(_storage.Values(), n, b) &&
+           SubstituteBackwards(_storage.Values(), n, b);
 }

@@ -21,7 +21,11 @@ MatrixStorage::MatrixStorage(double* values, std::size_t count)
 
 MatrixStorage::MatrixStorage(const MatrixStorage& other)
 {
-    *this = other;
+    if (other._values == nullptr)
+        return;
+    _values.reset(new double[other._count]);
+    _count = other._count;
+    std::copy_n(other._values.get(), _count, _values.get());
 }
 
 MatrixStorage::MatrixStorage(MatrixStorage&& other) noexcept

@@ -5,6 +5,7 @@
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <utility>
 #include <vector>
 
@@ -77,6 +78,53 @@ TEST(Cholesky, HandsItsStorageOverAndFailsAtThePivot)
     EXPECT_FALSE(s.FACTORISE_CHOLESKY(g));
     EXPECT_EQ(RowByRow(s), (Values{2, 1, 1, 1, 0, 0, 1, 0, 7}));
     EXPECT_EQ(g.GetNumRows(), 2U);
+}
+
+// The loops on a full matrix of which only the lower triangle is looked at.
+bool PlainCholesky(Values& a, unsigned int n)
+{
+    for (unsigned int k = 0; k < n; ++k) {
+        for (unsigned int i = k; k > 0 && i < n; ++i) {
+            double sum = 0.0;
+            for (unsigned int j = 0; j < k; ++j)
+                sum += a[i * n + j] * a[k * n + j];
+            a[i * n + k] -= sum;
+        }
+        if (a[k * n + k] <= 0.0)
+            return false;
+        const double root = std::sqrt(a[k * n + k]);
+        for (unsigned int i = k; i < n; ++i)
+            a[i * n + k] /= root;
+    }
+    return true;
+}
+
+TEST(Cholesky, StripsHaveTheBitsOfThePlainLoopsAlsoOnFailure)
+{
+    Random random(401);
+    for (const unsigned int n : {1U, 2U, 7U, 28U, 29U, 31U, 32U, 33U, 50U, 98U}) {
+        for (const unsigned int badPivot : {n, n - 1, n / 2, n / 3}) {
+            MSymmetricMatrix s(n);
+            for (unsigned int i = 0; i < n; ++i) {
+                for (unsigned int j = 0; j <= i; ++j)
+                    s(i, j) = random.Uniform(-1.0, 1.0) + (i == j ? n : 0.0);
+            }
+            if (badPivot < n)
+                s(badPivot, badPivot) = 1e-3;
+            Values plain = RowByRow(s);
+            EXPECT_EQ(s.FactoriseCholesky(), PlainCholesky(plain, n));
+            for (unsigned int i = 0; i < n; ++i) {
+                for (unsigned int j = 0; j <= i; ++j)
+                    ASSERT_EQ(s(i, j), plain[i * n + j]) << n << ": " << i << ", " << j;
+            }
+        }
+    }
+    // NaN passes the test of a pivot.
+    MSymmetricMatrix s(40);
+    s.SetToZero();
+    s(0, 0) = NAN;
+    EXPECT_TRUE(s.FactoriseCholesky());
+    EXPECT_TRUE(std::isnan(s(39, 39)));
 }
 
 } // namespace
