@@ -157,7 +157,8 @@ public:
     }
 
     /// The map from world to local coordinates, with the bits of `_TransformPointToLocalSystem`
-    /// (less the sign of a zero where the frame is the world's). What the matrix held is replaced.
+    /// (but where the frame is the world's the point itself comes back: zeros keep their sign, and
+    /// an infinite coordinate does not turn the others to NaN). What the matrix held is replaced.
     ///
     /// Nothing is rounded to single precision, and the translation of the inverse is the centre
     /// itself; after `GenerateXYZ`, when the centre plays no part, it is minus the translation.
