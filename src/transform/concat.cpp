@@ -21,47 +21,21 @@ const Kind* As(const MMTransform& transform)
     return typeid(transform) == typeid(Kind) ? static_cast<const Kind*>(&transform) : nullptr;
 }
 
-// The inverse counts as well: that of a uniform scale may keep an old translation.
-bool HasTranslation(const MMTransformMatrix& m)
-{
-    for (unsigned short row = 0; row < 3; ++row) {
-        if (m.GetElement(row, 3, false) != 0.0 || m.GetElement(row, 3, true) != 0.0)
-            return true;
-    }
-    return false;
-}
-
 // An identity without an inverse, made by raw setters, stays: it fails backward.
 bool CanBeDropped(const MMTransformMatrix& matrix)
 {
     return matrix.IsIdentity() && matrix.IsInversible();
 }
 
-// Replaces `first` by first * second, when that is the same map as the two one after the other.
-//
-// A direction passes an affine matrix without its translation, but in the product with a projective
-// one the translation stands in columns that directions use: forward when the projective matrix
-// acts first, backward when it acts last. With two projective matrices the corner elements go
-// astray in the same way, and the chain throws for points that are at infinity in between while the
-// product maps them.
-bool Merge(MMTransformMatrix& first, const MMTransformMatrix& second)
+// first * second. A product keeps the invertible flag of the matrix that it changes, so the one
+// without an inverse is the one to change.
+MMTransformMatrix Product(const MMTransformMatrix& first, const MMTransformMatrix& second)
 {
-    const bool projective = first.IsHomogeneous() || second.IsHomogeneous();
-    if (projective && (first.IsHomogeneous() == second.IsHomogeneous() ||
-                       HasTranslation(first.IsHomogeneous() ? second : first)))
-        return false;
-    // A product keeps the invertible flag of the matrix that it changes, so the one without an
-    // inverse is the one to change.
-    MMTransformMatrix product = first.IsInversible() ? second : first;
-    if (first.IsInversible())
-        product.PreMultiply(first);
-    else
-        product *= second;
-    // A flag set by hand, a bottom row that cancels, or one that overflows.
-    if (product.IsHomogeneous() != projective)
-        return false;
-    first = product;
-    return true;
+    if (!first.IsInversible())
+        return first * second;
+    MMTransformMatrix product = second;
+    product.PreMultiply(first);
+    return product;
 }
 
 void AddMatrix(Pieces& pieces, const MMTransformMatrix& matrix)
@@ -70,12 +44,11 @@ void AddMatrix(Pieces& pieces, const MMTransformMatrix& matrix)
         return;
     if (!pieces.empty() && As<MMTransformMatrix>(*pieces.back()) != nullptr) {
         auto& last = static_cast<MMTransformMatrix&>(*pieces.back());
-        if (Merge(last, matrix)) {
-            // The two may have cancelled; their neighbours then meet.
-            if (CanBeDropped(last))
-                pieces.pop_back();
-            return;
-        }
+        last = Product(last, matrix);
+        // The two may have cancelled; their neighbours then meet.
+        if (CanBeDropped(last))
+            pieces.pop_back();
+        return;
     }
     pieces.push_back(std::make_unique<MMTransformMatrix>(matrix));
 }

@@ -25,12 +25,11 @@
 /// nothing with the list. `MMTransformMatrix`, `MMTransformIdentity` and `MMTransformStack` are
 /// treated so; classes derived from them may map otherwise, and are pieces like any other kind.
 ///
-/// The result is the same map as the list, to rounding and but for products that overflow, forward
-/// and back, for positions and for directions. Two consequences:
-/// - A product is invertible when both factors are, where that of `operator*` goes by the first.
-/// - A matrix with a projective bottom row is multiplied only with an affine one without
-///   translation. With another the product would move directions, or would map points that the
-///   chain throws for. Such neighbours stay two pieces; who wants their product uses `operator*`.
+/// The result maps positions as the list does, to rounding, forward and back, and directions too
+/// where all matrices are affine. With a projective bottom row it is the product that counts:
+/// directions go by its columns, and a point at infinity half-way, for which the chain throws, is
+/// mapped. A product is invertible when both factors are, where that of `operator*` goes by the
+/// first.
 ///
 /// `created`, when not null, receives the object that the caller has to delete: the result, or null
 /// when the result is the list's only element. The elements stay the caller's, are not changed and
