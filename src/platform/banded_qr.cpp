@@ -1,0 +1,264 @@
+#include "platform/banded_qr.h"
+
+#include <bit>
+#include <cmath>
+#include <cstdint>
+
+namespace Norvek::Math::Core
+{
+
+namespace
+{
+
+// Windows up to this length are short whatever the number of columns: splines of degree 19 have 20.
+constexpr std::size_t kShortWindow = 32;
+
+// Sums run in so many interleaved chains, added up at the end: fixed, so that the bits are the
+// same whether or not the compiler puts the chains side by side into registers.
+constexpr std::size_t kLanes = 4;
+
+// Rows of a block: few enough that a block of short windows stays in the first-level cache.
+constexpr std::size_t kBlockRows = 128;
+
+// The square of a length far below the rounding errors of any column whose length is plain, 2^-200
+// or more. Once the rows of a block are used up, every further reflection leaves an epsilon of the
+// one before it; followed down to where numbers end, that would divide by zero.
+constexpr double kNegligibleSquare = 0x1p-900;
+
+// The rows of matrices up to this width are too short for loops of their own.
+constexpr std::size_t kNarrow = 24;
+
+// Room for a column of a block. A little more than it holds: columns at a distance of a power of
+// two would compete for the same few places of the cache.
+constexpr std::size_t kColumnRoom = kBlockRows + 8;
+
+// Whether one of the values is not 0 (or -0.0). Joins their bits without an early end, which makes
+// it a matter of memory speed.
+bool HasNonzero(const double* begin, const double* end)
+{
+    std::uint64_t bits = 0;
+    for (; begin < end; ++begin)
+        bits |= std::bit_cast<std::uint64_t>(*begin);
+    return bits << 1 != 0;
+}
+
+// The same for `count` pairs of neighbours at a distance of `stride`.
+bool HasNonzeroPair(const double* pairs, std::size_t stride, std::size_t count)
+{
+    std::uint64_t bits = 0;
+    for (std::size_t i = 0; i < count; ++i, pairs += stride)
+        bits |= std::bit_cast<std::uint64_t>(pairs[0]) | std::bit_cast<std::uint64_t>(pairs[1]);
+    return bits << 1 != 0;
+}
+
+double Dot(const double* a, const double* b, std::size_t count)
+{
+    double sums[kLanes]{};
+    for (std::size_t i = 0; i < count; i += kLanes) {
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            sums[lane] += a[i + lane] * b[i + lane];
+    }
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
+// column += s v, and the product of the new column with `next`, which may be the column itself. In
+// one pass: a value is still in its register when the product wants it.
+double AddAndDot(double* __restrict column, const double* __restrict v, double s,
+                 const double* __restrict next, std::size_t count)
+{
+    double sums[kLanes]{};
+    for (std::size_t i = 0; i < count; i += kLanes) {
+        double values[kLanes];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            values[lane] = column[i + lane] + s * v[i + lane];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            sums[lane] += values[lane] * next[i + lane];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            column[i + lane] = values[lane];
+    }
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
+double AddAndSquare(double* __restrict column, const double* __restrict v, double s,
+                    std::size_t count)
+{
+    double sums[kLanes]{};
+    for (std::size_t i = 0; i < count; i += kLanes) {
+        double values[kLanes];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            values[lane] = column[i + lane] + s * v[i + lane];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            sums[lane] += values[lane] * values[lane];
+        for (std::size_t lane = 0; lane < kLanes; ++lane)
+            column[i + lane] = values[lane];
+    }
+    return (sums[0] + sums[1]) + (sums[2] + sums[3]);
+}
+
+// Copies one column of some rows of a matrix to where its values lie side by side.
+void Gather(const double* from, std::size_t stride, double factor, double* to, std::size_t count)
+{
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = from[i * stride] * factor;
+}
+
+} // namespace
+
+// At the beginning of every turn row `begin` is known to be zero left of the window.
+bool BandedQR::Factorise(const double* factors, const double* rightFactors)
+{
+    _first = 0;
+    _end = 0;
+    _reach = 0;
+    _r.clear();
+    std::size_t begin = 0;
+    while (begin < _system.rows) {
+        std::size_t end = begin;
+        if (!_TakeRows(end))
+            return false;
+        if (end > begin)
+            _Fold(begin, end, factors, rightFactors);
+        else if (!_WidenWindow(begin))
+            return false;
+        begin = end;
+    }
+    // Only zeros: no window was ever opened, and there is no R.
+    return _reach > 0;
+}
+
+// Moves `i` past the rows that fit the window, at most those of one block. False when a row has a
+// nonzero value left of the window.
+bool BandedQR::_TakeRows(std::size_t& i) const
+{
+    const std::size_t n = _system.columns;
+    const std::size_t limit = std::min(_system.rows, i + kBlockRows);
+    // What is right of the window in one row and left of it in the next lies side by side.
+    const std::size_t gap = n - _end + _first;
+    if (n <= kNarrow && limit < _system.rows && gap >= 2) {
+        // From column to column, the last pair over the one before it if their number is odd.
+        bool isZero = true;
+        for (std::size_t j = 0; isZero && j < gap; j += 2)
+            isZero = !HasNonzeroPair(_Row(i) + _end + std::min(j, gap - 2), n, limit - i);
+        if (isZero) {
+            i = limit;
+            return true;
+        }
+    }
+    for (; i < limit; ++i) {
+        const double* const row = _Row(i);
+        // A row that does not fit mostly shows it here.
+        if (_end < n && row[_end] != 0.0)
+            return true;
+        if (HasNonzero(row + _end, row + (i + 1 < _system.rows ? _end + gap : n)))
+            return HasNonzero(row + _end, row + n);
+    }
+    return true;
+}
+
+// Widens the window for row i, which has a nonzero value right of it, and lets go of the columns
+// that the row no longer needs. False when the window is not short any more.
+bool BandedQR::_WidenWindow(std::size_t i)
+{
+    const double* const row = _Row(i);
+    const std::size_t n = _system.columns;
+    while (row[_first] == 0.0)
+        ++_first;
+    // As far as the values stand side by side, and where the window ends at a gap, past all gaps.
+    std::size_t end = std::max(_end, _first + 1);
+    while (end < n && row[end] != 0.0)
+        ++end;
+    for (std::size_t last = n; end == _end && last > end; --last) {
+        if (row[last - 1] != 0.0)
+            end = last;
+    }
+    _end = end;
+    const std::size_t length = _end - _first;
+    if (length == n || (length > kShortWindow && length > n / 2))
+        return false;
+    if (length > _reach)
+        _Reach(length);
+    return true;
+}
+
+// Makes room for rows of R of this length.
+void BandedQR::_Reach(std::size_t reach)
+{
+    const std::size_t stride = reach + _right.columns;
+    std::vector<double> r(_system.columns * stride);
+    for (std::size_t j = 0; _reach > 0 && j < _system.columns; ++j) {
+        std::copy_n(R().Row(j), _reach, r.data() + j * stride);
+        std::copy_n(Projected(j), _right.columns, r.data() + j * stride + reach);
+    }
+    _r = std::move(r);
+    _reach = reach;
+    _block.resize(stride * kColumnRoom);
+    _products.resize(stride);
+}
+
+// Turns rows begin .. end - 1 to zero, against the rows of R that they meet.
+void BandedQR::_Fold(std::size_t begin, std::size_t end, const double* factors,
+                     const double* rightFactors)
+{
+    if (_reach == 0)
+        return;
+    const std::size_t paddedRows = _Load(begin, end, factors, rightFactors);
+    const std::size_t columns = _end - _first + _right.columns;
+    for (std::size_t c = 0; c < columns; ++c)
+        _products[c] = Dot(_block.data(), _block.data() + c * kColumnRoom, paddedRows);
+    for (std::size_t k = 0; k < _end - _first; ++k)
+        _Reflect(k, columns, paddedRows);
+}
+
+// Rows of zeros fill the last step of the sums; returns the number of rows with them.
+std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* factors,
+                            const double* rightFactors)
+{
+    const std::size_t rows = end - begin;
+    const std::size_t paddedRows = (rows + kLanes - 1) / kLanes * kLanes;
+    double* to = _block.data();
+    const auto load = [&](const double* from, std::size_t stride, double factor) {
+        Gather(from, stride, factor, to, rows);
+        std::fill(to + rows, to + paddedRows, 0.0);
+        to += kColumnRoom;
+    };
+    for (std::size_t j = _first; j < _end; ++j)
+        load(_Row(begin) + j, _system.columns, factors == nullptr ? 1.0 : factors[j]);
+    for (std::size_t c = 0; c < _right.columns; ++c)
+        load(_right.values + begin * _right.columns + c, _right.columns,
+             rightFactors == nullptr ? 1.0 : rightFactors[c]);
+    return paddedRows;
+}
+
+// Reflects column k of the block into the diagonal r of R's row: v = (r - beta, block column), with
+// beta = -sign(r) |(r, block column)|, and H = I + v v' / (beta (r - beta)). A negligible column
+// is let go: a factor of 0 makes the reflection the identity. NaN is not negligible.
+void BandedQR::_Reflect(std::size_t k, std::size_t columns, std::size_t paddedRows)
+{
+    const std::size_t width = _end - _first;
+    double* const row = _r.data() + (_first + k) * (_reach + _right.columns);
+    const double* const v = _block.data() + k * kColumnRoom;
+    const double square = _products[k];
+    double head = 0.0;
+    double factor = 0.0;
+    if (!(square <= kNegligibleSquare)) {
+        const double beta = -std::copysign(std::sqrt(row[0] * row[0] + square), row[0]);
+        head = row[0] - beta;
+        factor = 1.0 / (beta * head);
+        row[0] = beta;
+    }
+    const double* const next = v + kColumnRoom;
+    const bool isLast = k + 1 == width;
+    for (std::size_t c = k + 1; c < columns; ++c) {
+        double& inRow = c < width ? row[c - k] : row[_reach + (c - width)];
+        const double s = (head * inRow + _products[c]) * factor;
+        inRow += s * head;
+        // After the last reflection the block is zero but for the residual, which nobody asks for.
+        if (isLast)
+            continue;
+        double* const column = _block.data() + c * kColumnRoom;
+        _products[c] = c == k + 1 ? AddAndSquare(column, v, s, paddedRows)
+                                  : AddAndDot(column, v, s, next, paddedRows);
+    }
+}
+
+} // namespace Norvek::Math::Core
