@@ -2,6 +2,7 @@
 
 #include "support/linalg_inputs.h"
 
+#include <norvek/linalg/jacobi_eigenvectors.h>
 #include <norvek/linalg/lower_triangular_matrix.h>
 #include <norvek/linalg/lu_matrix.h>
 #include <norvek/linalg/matrix3x3.h>
@@ -107,5 +108,30 @@ void BM_CholeskySolve(benchmark::State& state)
     }
 }
 BENCHMARK(BM_CholeskySolve)->Arg(4)->Arg(10)->Arg(50)->Arg(200)->Arg(500);
+
+void BM_SymmetricEigen(benchmark::State& state)
+{
+    const MSymmetricMatrix a = SymmetricMatrix(static_cast<unsigned int>(state.range(0)), 0.0);
+    for (auto _ : state) {
+        std::vector<double> values;
+        MGeneralMatrix vectors;
+        benchmark::DoNotOptimize(a.CalculateEigenVectors(values, vectors));
+        benchmark::DoNotOptimize(values.data());
+    }
+}
+BENCHMARK(BM_SymmetricEigen)->Arg(4)->Arg(10)->Arg(50)->Arg(200);
+
+void BM_Jacobi(benchmark::State& state)
+{
+    const auto n = static_cast<unsigned int>(state.range(0));
+    const MSymmetricMatrix a = SymmetricMatrix(n, 0.0);
+    std::vector<double> values(n);
+    MJacobiEigenVectors vectors(n);
+    for (auto _ : state) {
+        a.GetEigensJacobi(vectors.Receive(), values.data(), 1e-12);
+        benchmark::DoNotOptimize(values.data());
+    }
+}
+BENCHMARK(BM_Jacobi)->Arg(4)->Arg(10)->Arg(50);
 
 } // namespace

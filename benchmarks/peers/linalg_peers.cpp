@@ -85,4 +85,15 @@ void BM_CholeskySolve_Eigen(benchmark::State& state)
 }
 BENCHMARK(BM_CholeskySolve_Eigen)->Arg(4)->Arg(10)->Arg(50)->Arg(200)->Arg(500);
 
+void BM_SymmetricEigen_Eigen(benchmark::State& state)
+{
+    const Eigen::MatrixXd a = SymmetricMatrix(state.range(0), 0.0);
+    for (auto _ : state) {
+        const Eigen::SelfAdjointEigenSolver<Eigen::MatrixXd> solver(a);
+        benchmark::DoNotOptimize(solver.eigenvalues().data());
+        benchmark::DoNotOptimize(solver.eigenvectors().data());
+    }
+}
+BENCHMARK(BM_SymmetricEigen_Eigen)->Arg(4)->Arg(10)->Arg(50)->Arg(200);
+
 } // namespace

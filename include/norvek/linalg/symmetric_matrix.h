@@ -4,6 +4,7 @@
 #include <norvek/linalg/matrix_storage.h>
 
 #include <cassert>
+#include <vector>
 
 class MLowerTriangularMatrix;
 
@@ -83,6 +84,52 @@ public:
     /// False as for `FactoriseCholesky`: `g` is untouched then, and this matrix keeps its storage,
     /// partly overwritten.
     bool FACTORISE_CHOLESKY(MLowerTriangularMatrix& g);
+
+    /// Eigenvalues and eigenvectors by Jacobi rotations, sorted by descending magnitude; equal
+    /// magnitudes keep their order. Prefer `CalculateEigenVectors`: it is faster and more accurate
+    /// at every order, and says whether it succeeded.
+    ///
+    /// `values` (n values from the caller) receives the eigenvalues. `vectors` is set to a new
+    /// array of n pointers to new arrays of n values, vectors[i] the unit vector of values[i]: the
+    /// caller owns all n + 1 and frees them with array delete, or receives them in a
+    /// `MJacobiEigenVectors`. Should memory run out, `std::bad_alloc` leaves both as they were.
+    ///
+    /// Rotations go on while the sum of squares off the diagonal exceeds `tolerance` times the sum
+    /// of all squares; the first takes place whenever `tolerance` is below 1. A tolerance of 1e-12
+    /// leaves errors of about 1e-6 of the largest value in the vectors, 1e-12 in the values; a
+    /// negative one counts as 0. With 1 or more (or NaN) the diagonal and unit vectors come back.
+    ///
+    /// The tangent of the rotation, |theta| / (sqrt(theta^2 + 1) + |theta|), is not the textbook's,
+    /// whose numerator is 1. It seldom settles, so that 100 n^2 such rotations are followed by at
+    /// most as many by the textbook, which settle. When no element off the diagonal differs from 0,
+    /// the first rotation is the identity if (0, 0) differs from 0; if it is 0, values[i] and
+    /// vectors[i] of that row are NaN. NaN or infinity in the matrix gives NaN. Cost: O(n) a
+    /// rotation, so that most calls cost 100 n^3.
+    void GetEigensJacobi(double**& vectors, double* const values, double tolerance) const;
+
+    /// Reduces to tridiagonal form T = Z' A Z by Householder reflections, accumulated in Z (the
+    /// classical TRED2 of Martin, Reinsch and Wilkinson).
+    ///
+    /// `d` receives the diagonal of T, n values, `e` the elements below it: e[i] lies at
+    /// (i, i - 1), and e[0] is 0. `z` is given n x n values, the orthogonal Z; it has to be of a
+    /// kind that stores every element. Without memory for it the three are not written. Cost:
+    /// 8/3 n^3.
+    void HouseholderReduction(std::vector<double>& d, std::vector<double>& e, MMatrix& z) const;
+
+    /// Eigenvalues and eigenvectors: the reduction to tridiagonal form, then implicit QL with
+    /// shifts. The one to prefer.
+    ///
+    /// `values` receives the n eigenvalues, in no particular order, and `vectors` (given n x n
+    /// values, of a kind that stores every element) the unit vector of values[j] in column j.
+    ///
+    /// Elements beside the diagonal below 1e-8 count as zero. This is absolute: values are good to
+    /// about 1e-16 / gap + n machine epsilons of the largest, vectors to 1e-8 / gap, with gap the
+    /// distance to the next value. Scale a matrix whose values are not far above 1e-8.
+    ///
+    /// False when 100 iterations did not isolate a value, which NaN and infinity do; `values` and
+    /// `vectors` hold what was reached. False as well without memory, nothing written then. Cost:
+    /// about 9 n^3.
+    bool CalculateEigenVectors(std::vector<double>& values, MMatrix& vectors) const;
 
 private:
     friend class MGeneralMatrix;
