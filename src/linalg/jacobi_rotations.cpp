@@ -18,15 +18,16 @@ namespace
 // Rotations of one kind, per element of the matrix. Rotations by the right angle need a handful.
 constexpr std::size_t kRotationsPerElement = 100;
 
-// x becomes c x - s y, y becomes s x + c y. The sums begin at zero, as those of a product of whole
-// matrices do: none of them is a negative zero.
+// x becomes c x - s y, y becomes s x + c y. The sums of a product of whole matrices begin at zero
+// and never give a negative zero. Nor do these, as long as no value is one: c is not small, so that
+// c times a value is zero only where the value is.
 void Turn(double* x, double* y, std::size_t n, double c, double s)
 {
     for (std::size_t i = 0; i < n; ++i) {
         const double xi = x[i];
         const double yi = y[i];
-        x[i] = 0.0 + c * xi - s * yi;
-        y[i] = 0.0 + s * xi + c * yi;
+        x[i] = c * xi - s * yi;
+        y[i] = s * xi + c * yi;
     }
 }
 
@@ -180,9 +181,9 @@ void JacobiRotations::_RotateFinite(double c, double s)
     const double qp = s * rowP[p] + c * rowP[q];
     const double qq = s * rowP[q] + c * rowQ[q];
     Turn(rowP, rowQ, _n, c, s);
-    rowP[p] = 0.0 + pp * c - pq * s;
-    rowQ[q] = 0.0 + qp * s + qq * c;
-    rowP[q] = rowQ[p] = 0.0 + qp * c - qq * s;
+    rowP[p] = pp * c - pq * s;
+    rowQ[q] = qp * s + qq * c;
+    rowP[q] = rowQ[p] = qp * c - qq * s;
     Turn(_v.data() + p * _n, _v.data() + q * _n, _n, c, s);
 
     for (std::size_t i = 0; i < _n; ++i) {

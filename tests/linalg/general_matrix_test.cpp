@@ -1,3 +1,4 @@
+#include "support/matrix_values.h"
 #include "support/random.h"
 
 #include <norvek/linalg/lower_triangular_matrix.h>
@@ -14,6 +15,7 @@ namespace
 {
 
 using norvek_test::Random;
+using norvek_test::RowByRow;
 using Values = std::vector<double>;
 
 MGeneralMatrix RandomMatrix(Random& random, unsigned int rows, unsigned int columns)
@@ -24,16 +26,6 @@ MGeneralMatrix RandomMatrix(Random& random, unsigned int rows, unsigned int colu
             a(i, j) = random.Uniform(-1.0, 1.0);
     }
     return a;
-}
-
-Values RowByRow(const MMatrix& a)
-{
-    Values values;
-    for (unsigned int i = 0; i < a.GetNumRows(); ++i) {
-        for (unsigned int j = 0; j < a.GetNumColumns(); ++j)
-            values.push_back(a(i, j));
-    }
-    return values;
 }
 
 Eigen::MatrixXd ToEigen(const MMatrix& a)
