@@ -24,6 +24,7 @@ int main(int argc, char**)
         {"boxes", HashBoxes},
         {"borders", HashBorders},
         {"general matrices", HashGeneralMatrices},
+        {"symmetric matrices", HashSymmetricMatrices},
         {"fixed matrices", HashFixedMatrices},
         {"fits", HashFits},
     };

@@ -1,8 +1,11 @@
 #include "determinism/results.h"
 
 #include <norvek/linalg/general_matrix.h>
+#include <norvek/linalg/jacobi_eigenvectors.h>
+#include <norvek/linalg/lower_triangular_matrix.h>
 #include <norvek/linalg/lu_matrix.h>
 #include <norvek/linalg/matrix3x3.h>
+#include <norvek/linalg/symmetric_matrix.h>
 #include <norvek/primitives/least_squares_plane.h>
 #include <norvek/primitives/sphere.h>
 
@@ -65,6 +68,35 @@ std::uint64_t HashGeneralMatrices(Numbers numbers)
         hash.Add(factors.SolveLUxy(right.data()));
         for (unsigned int k = 0; k < n; ++k)
             hash.Add(right[k]);
+    }
+    return hash.Value();
+}
+
+std::uint64_t HashSymmetricMatrices(Numbers numbers)
+{
+    Hash hash;
+    for (unsigned int round = 0; round < kRounds / 20; ++round) {
+        const unsigned int n = 1 + round % 40;
+        MSymmetricMatrix matrix(n);
+        for (unsigned int i = 0; i < n; ++i)
+            for (unsigned int j = 0; j <= i; ++j)
+                matrix(i, j) = numbers.Next(1.0);
+        std::vector<double> values;
+        MGeneralMatrix vectors;
+        hash.Add(matrix.CalculateEigenVectors(values, vectors));
+        MJacobiEigenVectors rotated(n);
+        if (n < 8)
+            matrix.GetEigensJacobi(rotated.Receive(), values.data(), 1e-12);
+        for (unsigned int i = 0; i < n; ++i) {
+            hash.Add(values[i]);
+            hash.Add(vectors(i, n / 2));
+            hash.Add(n < 8 ? rotated[i][n / 2] : 0.0);
+            matrix(i, i) += n;
+        }
+        MLowerTriangularMatrix factor;
+        hash.Add(matrix.FACTORISE_CHOLESKY(factor));
+        hash.Add(factor.SOLVE_G_TG_X_B(values.data()));
+        hash.Add(values[n / 2]);
     }
     return hash.Value();
 }

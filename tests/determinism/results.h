@@ -109,6 +109,7 @@ std::uint64_t HashPlanesAndLines(Numbers numbers);
 std::uint64_t HashBoxes(Numbers numbers);
 std::uint64_t HashBorders(Numbers numbers);
 std::uint64_t HashGeneralMatrices(Numbers numbers);
+std::uint64_t HashSymmetricMatrices(Numbers numbers);
 std::uint64_t HashFixedMatrices(Numbers numbers);
 std::uint64_t HashFits(Numbers numbers);
 /// @}

@@ -193,4 +193,27 @@ TEST(SymmetricSolvers, ResidualsAreSmallOnHardMatrices)
     });
 }
 
+// Nothing is expected of the results: every call returns.
+TEST(SymmetricSolvers, ReturnFromEverything)
+{
+    Random random(405);
+    const double hostile[]{0.0, 1.0, -2.0, NAN, INFINITY, -INFINITY, 1e308, -1e308, 1e-310};
+    for (int round = 0; round < 2000; ++round) {
+        const auto n = static_cast<unsigned int>(round < 20 ? 29 : random.Integer(0, 5));
+        MSymmetricMatrix s(n);
+        for (unsigned int i = 0; i < n * n; ++i)
+            s(i / n, i % n) = hostile[random.Integer(0, 8)];
+        Values values(n);
+        Values beside;
+        MGeneralMatrix vectors;
+        MJacobiEigenVectors jacobi(n);
+        s.GetEigensJacobi(jacobi.Receive(), values.data(), hostile[random.Integer(0, 8)]);
+        s.HouseholderReduction(values, beside, vectors);
+        s.CalculateEigenVectors(values, vectors);
+        MLowerTriangularMatrix g;
+        if (s.FACTORISE_CHOLESKY(g))
+            g.SOLVE_G_TG_X_B(values.data());
+    }
+}
+
 } // namespace
