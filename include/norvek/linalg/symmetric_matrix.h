@@ -91,20 +91,18 @@ public:
     ///
     /// `values` (n values from the caller) receives the eigenvalues. `vectors` is set to a new
     /// array of n pointers to new arrays of n values, vectors[i] the unit vector of values[i]: the
-    /// caller owns all n + 1 and frees them with array delete, or receives them in a
-    /// `MJacobiEigenVectors`. Should memory run out, `std::bad_alloc` leaves both as they were.
+    /// caller frees all n + 1 with array delete, or receives them in a `MJacobiEigenVectors`.
     ///
-    /// Rotations go on while the sum of squares off the diagonal exceeds `tolerance` times the sum
-    /// of all squares; the first takes place whenever `tolerance` is below 1. A tolerance of 1e-12
-    /// leaves errors of about 1e-6 of the largest value in the vectors, 1e-12 in the values; a
-    /// negative one counts as 0. With 1 or more (or NaN) the diagonal and unit vectors come back.
+    /// Rotations go on while the squares off the diagonal sum to more than `tolerance` times all
+    /// squares; the first takes place whenever `tolerance` is below 1. 1e-12 leaves errors of 1e-6
+    /// of the norm in the vectors. A negative tolerance counts as 0; 1, more, or NaN give the
+    /// diagonal and unit vectors. Matrices beyond 1e+-150, whose squares leave the range, get one
+    /// rotation only.
     ///
-    /// The tangent of the rotation, |theta| / (sqrt(theta^2 + 1) + |theta|), is not the textbook's,
-    /// whose numerator is 1. It seldom settles, so that 100 n^2 such rotations are followed by at
-    /// most as many by the textbook, which settle. When no element off the diagonal differs from 0,
-    /// the first rotation is the identity if (0, 0) differs from 0; if it is 0, values[i] and
-    /// vectors[i] of that row are NaN. NaN or infinity in the matrix gives NaN. Cost: O(n) a
-    /// rotation, so that most calls cost 100 n^3.
+    /// The tangent, |theta| / (sqrt(theta^2 + 1) + |theta|), is not the textbook's, whose numerator
+    /// is 1, and seldom settles: 100 n^2 such rotations are followed by at most as many by the
+    /// textbook. A diagonal matrix is rotated by the identity, but where (0, 0) is 0 its value and
+    /// vector become NaN. NaN or infinity gives NaN. Cost: O(n) a rotation, 100 n^3 mostly.
     void GetEigensJacobi(double**& vectors, double* const values, double tolerance) const;
 
     /// Reduces to tridiagonal form T = Z' A Z by Householder reflections, accumulated in Z (the
