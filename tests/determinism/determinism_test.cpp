@@ -22,6 +22,7 @@ int main(int argc, char**)
         {"stacks", HashStacks},
         {"planes and lines", HashPlanesAndLines},
         {"boxes", HashBoxes},
+        {"locators", HashLocators},
         {"borders", HashBorders},
         {"general matrices", HashGeneralMatrices},
         {"symmetric matrices", HashSymmetricMatrices},

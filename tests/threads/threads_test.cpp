@@ -5,6 +5,7 @@
 #include <norvek/border/border_algorithms.h>
 #include <norvek/bounds/axes_binded.h>
 #include <norvek/primitives/least_squares_plane.h>
+#include <norvek/search/kd_tree_point_locator.h>
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
@@ -116,6 +117,38 @@ TEST(Threads, OneMotionOneFrameAndOneStackServeAll)
         thread.join();
     for (const auto& outcome : outcomes)
         EXPECT_EQ(outcome, job());
+}
+
+TEST(Threads, OneTreeServesAll)
+{
+    std::vector<MMPoint3d<double>> points;
+    for (int i = 0; i < 3000; ++i)
+        points.emplace_back(i * 37 % 101, i * 53 % 97, i * 71 % 89);
+    MKDTreePointLocator locator;
+    locator.BuildLocator(points);
+    const auto job = [&locator] {
+        std::vector<MFoundPoint> answers;
+        std::vector<MFoundPoint> found;
+        for (int i = 0; i < 500; ++i) {
+            MClosestPointInfo info;
+            info.SetQueryPoint({i * 0.21, i * 0.13, i * 0.17});
+            locator.FindClosestPoint(info);
+            answers.push_back(
+                {static_cast<std::uint32_t>(info.GetFoundIndex()), info.GetDistance()});
+            locator.FindClosestPoints(info.GetQueryPoint(), 3, found);
+            answers.insert(answers.end(), found.begin(), found.end());
+        }
+        return answers;
+    };
+    const std::vector<MFoundPoint> alone = job();
+    std::array<std::vector<MFoundPoint>, 8> outcomes;
+    std::vector<std::thread> threads;
+    for (std::vector<MFoundPoint>& outcome : outcomes)
+        threads.emplace_back([&outcome, &job] { outcome = job(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const std::vector<MFoundPoint>& outcome : outcomes)
+        EXPECT_EQ(outcome, alone);
 }
 
 } // namespace
