@@ -56,7 +56,8 @@ bool MClosestPointInfo::operator>(const MClosestPointInfo& other) const
 
 MClosestPointInfo& MClosestPointInfo::operator=(const MClosestPointInfo& other)
 {
-    Assign(other);
+    if (this != &other)
+        Assign(other);
     return *this;
 }
 

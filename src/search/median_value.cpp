@@ -66,7 +66,7 @@ double SelectValue(const double* values, std::size_t stride, std::size_t count, 
             const double value = values[i * stride];
             scratch[kept] = value;
             below += value < bracket.low ? 1U : 0U;
-            kept += (value >= bracket.low) & (value <= bracket.high) ? 1U : 0U;
+            kept += ((value >= bracket.low) & (value <= bracket.high)) ? 1U : 0U;
         }
     }
     if (rank < below || rank >= below + kept) {

@@ -11,9 +11,9 @@ std::uint64_t HashLocators(Numbers numbers)
 {
     Hash hash;
     for (int cloud = 0; cloud < 20; ++cloud) {
-        std::vector<MMPoint3d<double>> points;
-        for (int i = 0; i < 200; ++i)
-            points.push_back(numbers.Point(cloud % 2 == 0 ? 5.0 : 1e6));
+        std::vector<MMPoint3d<double>> points(200);
+        for (MMPoint3d<double>& point : points)
+            point = numbers.Point(cloud % 2 == 0 ? 5.0 : 1e6);
         MKDTreePointLocator locator;
         locator.BuildLocator(points);
         std::vector<MFoundPoint> found;

@@ -13,7 +13,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
 #include <memory>
 #include <thread>
 #include <vector>
@@ -68,21 +67,28 @@ Outcome DoJob(const MMTransformMatrix& shared)
     return outcome;
 }
 
+// What the job returns on eight threads at once is what it returns alone.
+template <class Job>
+void ExpectSameOnEightThreads(const Job& job)
+{
+    const auto alone = job();
+    std::vector<decltype(job())> outcomes(8);
+    std::vector<std::thread> threads;
+    threads.reserve(outcomes.size());
+    for (auto& outcome : outcomes)
+        threads.emplace_back([&outcome, &job] { outcome = job(); });
+    for (std::thread& thread : threads)
+        thread.join();
+    for (const auto& outcome : outcomes)
+        EXPECT_EQ(outcome, alone);
+}
+
 TEST(Threads, DistinctObjectsWorkAtOnce)
 {
     MMTransformMatrix shared;
     shared.MakeRotation({1, 2, 3}, {0, 0, 1}, 0.5);
-    const Outcome alone = DoJob(shared);
-    EXPECT_EQ(alone.numContours, 40U);
-    std::array<Outcome, 8> outcomes;
-    std::vector<std::thread> threads;
-    threads.reserve(outcomes.size());
-    for (Outcome& outcome : outcomes)
-        threads.emplace_back([&outcome, &shared] { outcome = DoJob(shared); });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const Outcome& outcome : outcomes)
-        EXPECT_EQ(outcome, alone);
+    EXPECT_EQ(DoJob(shared).numContours, 40U);
+    ExpectSameOnEightThreads([&shared] { return DoJob(shared); });
 }
 
 TEST(Threads, OneMotionOneFrameAndOneStackServeAll)
@@ -94,7 +100,7 @@ TEST(Threads, OneMotionOneFrameAndOneStackServeAll)
     MMTransformStack stack;
     stack.PostMultiply(MMTransformMatrix());
     stack.PostMultiply(stack);
-    const auto job = [&motion, &frame, &stack] {
+    ExpectSameOnEightThreads([&motion, &frame, &stack] {
         std::vector<MMPoint3d<double>> points(100, {1, 2, 3});
         for (int round = 0; round < 40; ++round) {
             motion.Transform(points);
@@ -107,26 +113,18 @@ TEST(Threads, OneMotionOneFrameAndOneStackServeAll)
             sharing.Transform(points, points);
         }
         return points;
-    };
-    std::array<std::vector<MMPoint3d<double>>, 8> outcomes;
-    std::vector<std::thread> threads;
-    threads.reserve(outcomes.size());
-    for (auto& outcome : outcomes)
-        threads.emplace_back([&outcome, &job] { outcome = job(); });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const auto& outcome : outcomes)
-        EXPECT_EQ(outcome, job());
+    });
 }
 
 TEST(Threads, OneTreeServesAll)
 {
     std::vector<MMPoint3d<double>> points;
+    points.reserve(3000);
     for (int i = 0; i < 3000; ++i)
         points.emplace_back(i * 37 % 101, i * 53 % 97, i * 71 % 89);
     MKDTreePointLocator locator;
     locator.BuildLocator(points);
-    const auto job = [&locator] {
+    ExpectSameOnEightThreads([&locator] {
         std::vector<MFoundPoint> answers;
         std::vector<MFoundPoint> found;
         for (int i = 0; i < 500; ++i) {
@@ -139,16 +137,7 @@ TEST(Threads, OneTreeServesAll)
             answers.insert(answers.end(), found.begin(), found.end());
         }
         return answers;
-    };
-    const std::vector<MFoundPoint> alone = job();
-    std::array<std::vector<MFoundPoint>, 8> outcomes;
-    std::vector<std::thread> threads;
-    for (std::vector<MFoundPoint>& outcome : outcomes)
-        threads.emplace_back([&outcome, &job] { outcome = job(); });
-    for (std::thread& thread : threads)
-        thread.join();
-    for (const std::vector<MFoundPoint>& outcome : outcomes)
-        EXPECT_EQ(outcome, alone);
+    });
 }
 
 } // namespace
