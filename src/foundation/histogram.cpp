@@ -4,6 +4,7 @@
 #include <cassert>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace
 {
@@ -19,12 +20,31 @@ constexpr std::size_t kFewestForCells = 3;
 MHistogram::MHistogram() : _slots(1)
 {}
 
+MHistogram& MHistogram::operator=(MHistogram other) noexcept
+{
+    _Swap(other);
+    return *this;
+}
+
+void MHistogram::_Swap(MHistogram& other) noexcept
+{
+    _boundaries.swap(other._boundaries);
+    _slots.swap(other._slots);
+    _cellStarts.swap(other._cellStarts);
+    std::swap(_cellsPerUnit, other._cellsPerUnit);
+    std::swap(_totalWeight, other._totalWeight);
+    std::swap(_minValue, other._minValue);
+    std::swap(_maxValue, other._maxValue);
+}
+
+// Boundaries, slots and cells have to agree: all are made before any is replaced.
 void MHistogram::SetIntervals(const std::vector<double>& boundaries)
 {
-    _boundaries = boundaries;
-    _slots.resize(boundaries.size() + 1);
-    _MakeCells();
-    ClearValues();
+    MHistogram next;
+    next._boundaries = boundaries;
+    next._slots.resize(boundaries.size() + 1);
+    next._MakeCells();
+    _Swap(next);
 }
 
 void MHistogram::SetIntervals(double lo, double hi, unsigned int count)
@@ -42,7 +62,12 @@ void MHistogram::_MakeCells()
 {
     _cellStarts.clear();
     const std::size_t count = _boundaries.size();
-    if (count < kFewestForCells || !std::is_sorted(_boundaries.begin(), _boundaries.end()))
+    // Boundaries beside one that is not a number may lie outside all cells.
+    const auto isOutOfOrder = [](double low, double high) {
+        return !(low <= high);
+    };
+    if (count < kFewestForCells || std::adjacent_find(_boundaries.begin(), _boundaries.end(),
+                                                      isOutOfOrder) != _boundaries.end())
         return;
     const auto cells = static_cast<double>(kCellsPerBoundary * count);
     _cellsPerUnit = cells / (_boundaries.back() - _boundaries.front());

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <limits>
+#include <utility>
 
 namespace
 {
@@ -62,7 +63,8 @@ TEST(Histogram, CountsOneSlotAboveTheInterval)
     }
 }
 
-// Crowded, equal, infinite and overflowing boundaries, which leave no room for even cells.
+// Crowded, equal, infinite, overflowing and disordered boundaries, which leave no room for even
+// cells.
 TEST(Histogram, FindsTheIntervalWhateverTheSpacing)
 {
     Random random(622);
@@ -70,6 +72,9 @@ TEST(Histogram, FindsTheIntervalWhateverTheSpacing)
     std::vector<std::vector<double>> cases{{-kGreatest, 0.0, 1.0, kGreatest},
                                            {-infinity, 0.0, 1.0, infinity},
                                            {2.0, 2.0, 2.0, 2.0},
+                                           {0.0, kNan, 5.0},
+                                           {0.0, kNan, -1e9, kNan, 5.0},
+                                           {0.0, 9.0, -9.0, 5.0},
                                            {0.0, 5e-324, 1e-323, 1.5e-323}};
     for (int i = 0; i < 20; ++i) {
         std::vector<double> boundaries(200);
@@ -131,6 +136,12 @@ TEST(Histogram, BoundsLimitsAndEmptyAnswers)
     histogram.SetIntervals(2.0, 10.0, 1);
     histogram.AddValue(2.0, 1.0);
     EXPECT_EQ(histogram.GetWeight(1), 1.0);
+    // What was moved from still counts.
+    MHistogram other = std::move(histogram);
+    histogram.AddValue(2.0, 1.0);
+    EXPECT_EQ(histogram.GetIntervalsCount(), 2U);
+    other = std::move(histogram);
+    EXPECT_EQ(other.GetWeight(1), 2.0);
     histogram.SetIntervals(2.0, 10.0, 0);
     EXPECT_EQ(histogram.GetIntervalsCount(), 1U);
 }

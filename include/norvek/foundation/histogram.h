@@ -32,7 +32,17 @@ public:
     /// One interval, the whole line.
     MHistogram();
 
-    /// Takes new boundaries, which the caller has in ascending order, and clears.
+    /// Intervals and samples. Moving copies as well: there is always an interval.
+    MHistogram(const MHistogram& other) = default;
+
+    /// Intervals and samples of `other`.
+    MHistogram& operator=(MHistogram other) noexcept;
+
+    /// Frees the intervals.
+    ~MHistogram() = default;
+
+    /// Takes new boundaries, which the caller has in ascending order, and clears. Without memory
+    /// `std::bad_alloc` is thrown and nothing has changed.
     void SetIntervals(const std::vector<double>& boundaries);
 
     /// Takes `count` boundaries with equal steps from `lo` to `hi` and clears; with a count of 1
@@ -108,6 +118,7 @@ private:
         return static_cast<std::size_t>((value - _boundaries.front()) * _cellsPerUnit);
     }
 
+    void _Swap(MHistogram& other) noexcept;
     [[nodiscard]] std::size_t _CountBelow(double value) const;
     void _MakeCells();
 
