@@ -91,10 +91,10 @@ bool JacobiRotations::_IsSettled(double tolerance)
 {
     // Twice the square of the largest element is a lower bound of the sum off the diagonal, and
     // rotations keep the sum of all but for rounding. Where this bound alone, less a factor of two
-    // for rounding, exceeds the tolerance, the exact ratio would.
+    // for rounding, exceeds the tolerance, the exact ratio would, unless it vanishes.
+    constexpr double kLeast = std::numeric_limits<double>::min();
     const double square = _largest[_p] * _largest[_p];
-    if (std::isfinite(_norm) && square > std::numeric_limits<double>::min() &&
-        square > tolerance * _norm)
+    if (std::isfinite(_norm) && square > kLeast && square > std::max(tolerance, kLeast) * _norm)
         return false;
     _norm = _SumOfSquares(true);
     return !(_SumOfSquares(false) / _norm > tolerance);

@@ -150,6 +150,8 @@ TEST(Jacobi, EndsEverywhereAndSortsByMagnitude)
     EXPECT_NEAR(equal[1], -1.0, 1e-15);
     for (const double tolerance : {0.0, -1.0})
         EXPECT_NEAR(eigens({4, 1, 1, 1, 3, 1, 1, 1, -2}, 3, tolerance)[2], -2.3318, 0.1);
+    // A ratio too small for a double is 0.
+    EXPECT_EQ(eigens({1e15, 1e-150, 1e-150, 1e15}, 2, 0.0), (Values{1e15, 1e15, 1, 0, 0, 1}));
     // A diagonal that begins with 0 is divided by it.
     EXPECT_TRUE(std::isnan(eigens({0, 0, 0, 5}, 2, 1e-12)[0]));
     EXPECT_TRUE(eigens({}, 0, 1e-12).empty());
