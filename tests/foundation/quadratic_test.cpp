@@ -77,6 +77,28 @@ TEST(Quadratic, FitMinimisesTheSquares)
     EXPECT_EQ(fit, before);
 }
 
+// NIST StRD, Pontius: loads 150,000 apart, two deflections at each, here their sums in 1e-5. The
+// parabola through the means is that through all.
+TEST(Quadratic, FitsACertifiedRegressionToNineDigits)
+{
+    const double sums[]{22071,  43974,  65888,  87785,  109601, 131433, 153158,
+                        174961, 196592, 218296, 240005, 261640, 283212, 304807,
+                        326353, 347912, 369342, 390837, 412305, 433673};
+    std::map<double, double> points;
+    double load = 0.0;
+    for (const double sum : sums)
+        points[load += 150000.0] = sum / 2e5;
+    MM1dQuadratic fit;
+    ASSERT_TRUE(fit.FitThroughMap(points));
+    double a = 0.0;
+    double b = 0.0;
+    double c = 0.0;
+    EXPECT_TRUE(fit.GetCoefficients(a, b, c));
+    EXPECT_NEAR(a / -0.316081871345029e-14, 1.0, 1e-9);
+    EXPECT_NEAR(b / 0.732059160401003e-06, 1.0, 1e-9);
+    EXPECT_NEAR(c / 0.673565789473684e-03, 1.0, 1e-9);
+}
+
 TEST(Quadratic, RefusesAStraightLine)
 {
     double a = 7.0;
