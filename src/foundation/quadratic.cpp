@@ -32,7 +32,9 @@ bool MM1dQuadratic::FitThroughMap(const std::map<double, double>& points)
         moments[1] += x * y;
         moments[2] += square * y;
     }
-    MSymmetricMatrix normal(3);
+    MSymmetricMatrix normal;
+    if (!normal.SetDimensions(3, 3))
+        return false;
     double solution[3];
     for (unsigned int i = 0; i < 3; ++i) {
         solution[i] = moments[2 - i];

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <new>
 #include <utility>
 
 using Norvek::Math::Core::IterateQL;
@@ -45,6 +46,17 @@ void Transpose(double* values, std::size_t n)
         for (std::size_t j = 0; j < i; ++j)
             std::swap(values[i * n + j], values[j * n + i]);
     }
+}
+
+// False without memory, nothing changed; afterwards a resize to n needs none.
+bool Reserve(std::vector<double>& values, std::size_t n)
+{
+    try {
+        values.reserve(n);
+    } catch (const std::bad_alloc&) {
+        return false;
+    }
+    return true;
 }
 
 // n x n values of a matrix of whatever kind: those of a general matrix themselves, else a copy that
@@ -116,7 +128,7 @@ void MSymmetricMatrix::HouseholderReduction(std::vector<double>& d, std::vector<
     const std::size_t n = _rows;
     SquareValues values(z);
     MatrixStorage room;
-    if (!room.Resize(n) || !values.Resize(_rows))
+    if (!room.Resize(n) || !Reserve(d, n) || !Reserve(e, n) || !values.Resize(_rows))
         return;
     d.resize(n);
     e.resize(n);
@@ -130,7 +142,7 @@ bool MSymmetricMatrix::CalculateEigenVectors(std::vector<double>& values, MMatri
     const std::size_t n = _rows;
     SquareValues square(vectors);
     MatrixStorage room;
-    if (!room.Resize(3 * n) || !square.Resize(_rows))
+    if (!room.Resize(3 * n) || !Reserve(values, n) || !square.Resize(_rows))
         return false;
     values.resize(n);
     double* const z = square.Values();

@@ -25,8 +25,8 @@ public:
     /// scale them first. On the certified NIST data set Pontius, abscissae up to 3e6, 11 digits
     /// agree.
     ///
-    /// False, and unchanged, for fewer than three points or when the normal matrix is not positive
-    /// definite to rounding. Linear in the number of points.
+    /// False, and unchanged, for fewer than three points, when the normal matrix is not positive
+    /// definite to rounding, or without memory. Linear in the number of points.
     bool FitThroughMap(const std::map<double, double>& points);
 
     /// The coefficients. False, and all three 0, when a is exactly 0 or not a number.

@@ -92,6 +92,7 @@ public:
     /// `values` (n values from the caller) receives the eigenvalues. `vectors` is set to a new
     /// array of n pointers to new arrays of n values, vectors[i] the unit vector of values[i]: the
     /// caller frees all n + 1 with array delete, or receives them in a `MJacobiEigenVectors`.
+    /// Throws `std::bad_alloc` when there is no memory, nothing written then.
     ///
     /// Rotations go on while the squares off the diagonal sum to more than `tolerance` times all
     /// squares; the first takes place whenever `tolerance` is below 1. 1e-12 leaves errors of 1e-6
@@ -110,7 +111,7 @@ public:
     ///
     /// `d` receives the diagonal of T, n values, `e` the elements below it: e[i] lies at
     /// (i, i - 1), and e[0] is 0. `z` is given n x n values, the orthogonal Z; it has to be of a
-    /// kind that stores every element. Without memory for it the three are not written. Cost:
+    /// kind that stores every element. Without memory the three are not written. Cost:
     /// 8/3 n^3.
     void HouseholderReduction(std::vector<double>& d, std::vector<double>& e, MMatrix& z) const;
 
