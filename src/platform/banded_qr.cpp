@@ -209,6 +209,14 @@ void BandedQR::_Fold(std::size_t begin, std::size_t end, const double* factors,
         _Reflect(k, columns, paddedRows);
 }
 
+// Asks for rows `begin`, `begin + step` and so on before `end`, so that memory works while the
+// block before them is folded. A few at a time: more would wait for each other.
+void BandedQR::_FetchAhead(std::size_t begin, std::size_t end, std::size_t step) const
+{
+    for (std::size_t i = begin; i < end; i += step)
+        __builtin_prefetch(_Row(i) + _first);
+}
+
 // Rows of zeros fill the last step of the sums; returns the number of rows with them.
 std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* factors,
                             const double* rightFactors)
@@ -221,8 +229,10 @@ std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* fa
         std::fill(to + rows, to + paddedRows, 0.0);
         to += kColumnRoom;
     };
-    for (std::size_t j = _first; j < _end; ++j)
+    for (std::size_t j = _first; j < _end; ++j) {
+        _FetchAhead(end + (j - _first), std::min(end + rows, _system.rows), _end - _first);
         load(_Row(begin) + j, _system.columns, factors == nullptr ? 1.0 : factors[j]);
+    }
     for (std::size_t c = 0; c < _right.columns; ++c)
         load(_right.values + begin * _right.columns + c, _right.columns,
              rightFactors == nullptr ? 1.0 : rightFactors[c]);

@@ -62,6 +62,7 @@ private:
                const double* rightFactors);
     std::size_t _Load(std::size_t begin, std::size_t end, const double* factors,
                       const double* rightFactors);
+    void _FetchAhead(std::size_t begin, std::size_t end, std::size_t step) const;
     void _Reflect(std::size_t k, std::size_t columns, std::size_t paddedRows);
 
     ConstMatrixView _system;

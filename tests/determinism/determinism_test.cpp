@@ -27,6 +27,7 @@ int main(int argc, char**)
         {"general matrices", HashGeneralMatrices},
         {"symmetric matrices", HashSymmetricMatrices},
         {"fixed matrices", HashFixedMatrices},
+        {"least squares", HashLeastSquares},
         {"fits", HashFits},
     };
     bool agrees = true;

@@ -1,4 +1,5 @@
 #include "determinism/results.h"
+#include "platform/least_squares.h"
 
 #include <norvek/linalg/general_matrix.h>
 #include <norvek/linalg/jacobi_eigenvectors.h>
@@ -9,6 +10,7 @@
 #include <norvek/primitives/least_squares_plane.h>
 #include <norvek/primitives/sphere.h>
 
+#include <algorithm>
 #include <vector>
 
 namespace norvek_test
@@ -121,6 +123,31 @@ std::uint64_t HashFixedMatrices(Numbers numbers)
         hash.Add(general.NearestOrthonormal(nearest));
         AddMatrix(hash, nearest);
         AddMatrix(hash, general.Inverse());
+    }
+    return hash.Value();
+}
+
+// Banded and full systems, of up to a few hundred rows, so that every block size occurs.
+std::uint64_t HashLeastSquares(Numbers numbers)
+{
+    Hash hash;
+    for (std::size_t i = 0; i < kRounds / 20; ++i) {
+        const std::size_t columns = 1 + i % 60;
+        const std::size_t rows = columns + i * i % 400;
+        const std::size_t run = i % 3 == 0 ? columns : std::min<std::size_t>(columns, 1 + i % 7);
+        std::vector<double> system(rows * columns);
+        for (std::size_t row = 0; row < rows; ++row) {
+            double* const first = &system[row * columns + row * (columns - run + 1) / rows];
+            for (std::size_t k = 0; k < run; ++k)
+                first[k] = numbers.Next(1.0);
+        }
+        std::vector<double> right(rows * 3);
+        for (double& value : right)
+            value = numbers.Next(1.0);
+        hash.Add(Norvek::Math::Core::SolveDenseLeastSquares({rows, columns, system.data()},
+                                                            {rows, 3, right.data()}));
+        for (const double value : right)
+            hash.Add(value);
     }
     return hash.Value();
 }

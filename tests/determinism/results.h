@@ -112,6 +112,7 @@ std::uint64_t HashBorders(Numbers numbers);
 std::uint64_t HashGeneralMatrices(Numbers numbers);
 std::uint64_t HashSymmetricMatrices(Numbers numbers);
 std::uint64_t HashFixedMatrices(Numbers numbers);
+std::uint64_t HashLeastSquares(Numbers numbers);
 std::uint64_t HashFits(Numbers numbers);
 /// @}
 
