@@ -32,7 +32,14 @@ constexpr std::size_t kNarrow = 24;
 // two would compete for the same few places of the cache.
 constexpr std::size_t kColumnRoom = kBlockRows + 8;
 
-// Whether one of the values is not 0 (or -0.0). Joins their bits without an early end, which makes
+// Anything but 0.0 and -0.0. By the bits: in a program that lets the processor take subnormal
+// numbers for zero, a comparison would contradict the looks at many values below.
+bool IsNonzero(double value)
+{
+    return std::bit_cast<std::uint64_t>(value) << 1 != 0;
+}
+
+// Whether one of the values is not zero. Joins their bits without an early end, which makes
 // it a matter of memory speed.
 bool HasNonzero(const double* begin, const double* end)
 {
@@ -147,7 +154,7 @@ bool BandedQR::_TakeRows(std::size_t& i) const
     for (; i < limit; ++i) {
         const double* const row = _Row(i);
         // A row that does not fit mostly shows it here.
-        if (_end < n && row[_end] != 0.0)
+        if (_end < n && IsNonzero(row[_end]))
             return true;
         if (HasNonzero(row + _end, row + (i + 1 < _system.rows ? _end + gap : n)))
             return HasNonzero(row + _end, row + n);
@@ -161,14 +168,14 @@ bool BandedQR::_WidenWindow(std::size_t i)
 {
     const double* const row = _Row(i);
     const std::size_t n = _system.columns;
-    while (row[_first] == 0.0)
+    while (!IsNonzero(row[_first]))
         ++_first;
     // As far as the values stand side by side, and where the window ends at a gap, past all gaps.
     std::size_t end = std::max(_end, _first + 1);
-    while (end < n && row[end] != 0.0)
+    while (end < n && IsNonzero(row[end]))
         ++end;
     for (std::size_t last = n; end == _end && last > end; --last) {
-        if (row[last - 1] != 0.0)
+        if (IsNonzero(row[last - 1]))
             end = last;
     }
     _end = end;

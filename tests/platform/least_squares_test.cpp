@@ -40,13 +40,15 @@ RowMajor RandomMatrix(Random& random, Eigen::Index rows, Eigen::Index columns)
     return RowMajor::NullaryExpr(rows, columns, [&] { return random.Uniform(-1.0, 1.0); });
 }
 
-// Runs of `width` that advance evenly from the first column to the last.
+// Runs of `width` that advance evenly from the first column to the last. Where there are rows
+// enough, they begin with one value and grow on the way down.
 RowMajor RandomBanded(Random& random, Eigen::Index rows, Eigen::Index columns, Eigen::Index width)
 {
     RowMajor a = RowMajor::Zero(rows, columns);
     for (Eigen::Index i = 0; i < rows; ++i) {
         const Eigen::Index first = i * (columns - width + 1) / rows;
-        for (Eigen::Index k = 0; k < width; ++k)
+        const Eigen::Index length = rows < 4 * columns ? width : 1 + i * width / rows;
+        for (Eigen::Index k = 0; k < length; ++k)
             a(i, first + k) = random.Uniform(0.1, 1.0);
     }
     return a;
@@ -150,6 +152,16 @@ TEST(LeastSquares, DependentColumnsAreRefused)
         a.row(i).segment(i < 20 ? 0 : 7, 5).setRandom();
     ExpectRefused(a, b);
     ExpectRefused(RowMajor::Zero(40, 12), b);
+    // No diagonal value of R is small, and yet the columns depend: by 2^-n.
+    for (const Eigen::Index n : {20, 80}) {
+        a = RowMajor::Identity(n, n);
+        a.diagonal(1).setConstant(-2.0);
+        RowMajor x = RowMajor::Ones(n, 1);
+        if (n == 80)
+            ExpectRefused(a, x);
+        else
+            EXPECT_TRUE(Solve(a, x));
+    }
 }
 
 // Both forms change their verdict at about the same distance, whatever the units of the columns.
@@ -247,6 +259,10 @@ TEST(LeastSquares, UnitsOfLengthChangeNoDigit)
     EXPECT_EQ(x(3, 0) * 0x1p600, banded(3, 0));
     EXPECT_EQ(x(8, 0) * 0x1p-600, banded(8, 0));
     EXPECT_TRUE(x.col(1).topRows(12).isZero(0.0));
+    // Subnormal values throughout.
+    x = RowMajor::Constant(3, 1, 0x1p-1060);
+    ASSERT_TRUE(Solve(0x1p-1070 * RowMajor::Identity(3, 3), x));
+    EXPECT_EQ(x, RowMajor::Constant(3, 1, 1024.0));
 }
 
 } // namespace
