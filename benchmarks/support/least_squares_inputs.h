@@ -11,7 +11,7 @@ namespace norvek_benchmark
 /// row for each of `rows` parameters, four values a row, row by row with all its zeros. This is the
 /// system of a curve fitted to measured points. The parameters are spread like the control points'
 /// own (Greville's abscissae); evenly spread ones would make a square system singular to working
-/// precision from about a hundred columns on.
+/// precision from 189 columns on.
 inline std::vector<double> CollocationMatrix(std::size_t rows, std::size_t columns)
 {
     constexpr std::size_t degree = 3;

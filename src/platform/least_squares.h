@@ -44,7 +44,8 @@ struct MatrixView
 ///   once, solved in O(rows * run^2).
 /// - **Dense.** Everything else, with column pivoting: O(m n^2).
 ///
-/// The bits do not depend on the compiler, its options or the processor's caches. Never throws.
+/// The bits depend neither on the compiler and its optimisation nor on the processor: GCC and
+/// Clang, -O0 and -O3, with and without wider vectors give the same. Never throws.
 [[nodiscard]] bool SolveDenseLeastSquares(const ConstMatrixView& system,
                                           const MatrixView& rightHandSides) noexcept;
 
