@@ -128,8 +128,10 @@ private:
             if (grey < 0)
                 continue;
             const std::string length = std::to_string(i - first);
-            runs[grey] += 'M' + std::to_string(first % width) + ' ' +
-                          std::to_string(first / width) + 'h' + length + "v1h-" + length + 'z';
+            std::string& run = runs[grey];
+            run.append("M").append(std::to_string(first % width)).append(" ");
+            run.append(std::to_string(first / width)).append("h").append(length);
+            run.append("v1h-").append(length).append("z");
         }
         _out << "<defs><g id=\"image\" transform=\"translate(-0.5 -0.5)\" "
              << "shape-rendering=\"crispEdges\">\n";
