@@ -1,0 +1,221 @@
+#include "search/rotation_fit.h"
+
+#include "linalg/symmetric_jacobi.h"
+
+#include <norvek/foundation/constants.h>
+#include <norvek/transform/transform_matrix.h>
+
+// Turning R by the small vector w changes the trace of R' M by w . t - w' H w / 2, with the torque
+// t = sum q x a (twice the axial vector of P, q = R b) and H = trace(P) 1 - P. The best turn is
+// w = H^-1 t. The eigenvalues of H are the sums of two of those of P.
+
+namespace Norvek::Math::Core
+{
+
+namespace
+{
+
+// A rotation whose elements would change by no more than the last digit of 1 stays as it came.
+constexpr double kSettled = kMachineEpsilon;
+
+// det H over trace(P)^3 is 0.30 for round sets, 0.25 for flat ones and s for the spread s across a
+// line against that along it, squares both. Below this limit the rounding of the moments, which is
+// relative to the largest, costs more than the last digit.
+constexpr double kElongated = 0.0625;
+
+// Below this limit there is no best turn to speak of. Moments of rank two lie well above.
+constexpr double kUndetermined = 1e-9;
+
+// Turns are computed again after one that was larger: the next is of the size of its square.
+constexpr double kSmallTurn = 1e-8;
+constexpr double kLargestTurn = 0.5;
+constexpr int kMaxTurns = 4;
+
+// P = M R', row by row.
+struct Stretch
+{
+    PairPoint rows[3];
+
+    Stretch(const MMatrix3x3& r, const MMatrix3x3& moments)
+    {
+        for (int i = 0; i < 3; ++i)
+            rows[i] = r * moments.GetRow(i);
+    }
+
+    [[nodiscard]] double Trace() const
+    {
+        return rows[0].x + rows[1].y + rows[2].z;
+    }
+
+    // t, which is zero for a symmetric P.
+    [[nodiscard]] PairPoint Torque() const
+    {
+        return {rows[2].y - rows[1].z, rows[0].z - rows[2].x, rows[1].x - rows[0].y};
+    }
+};
+
+// H = trace(P) 1 - P, of the symmetric part of P, with its cofactors.
+class Resistance
+{
+public:
+    explicit Resistance(const Stretch& p) : _trace(p.Trace())
+    {
+        const double xy = -0.5 * (p.rows[0].y + p.rows[1].x);
+        const double xz = -0.5 * (p.rows[0].z + p.rows[2].x);
+        const double yz = -0.5 * (p.rows[1].z + p.rows[2].y);
+        const PairPoint h[3]{{_trace - p.rows[0].x, xy, xz},
+                             {xy, _trace - p.rows[1].y, yz},
+                             {xz, yz, _trace - p.rows[2].z}};
+        for (int i = 0; i < 3; ++i)
+            _cofactors[i] = h[(i + 1) % 3].Cross(h[(i + 2) % 3]);
+        _determinant = h[0].Dot(_cofactors[0]);
+    }
+
+    // det H over trace(P)^3.
+    [[nodiscard]] double Roundness() const
+    {
+        return _determinant / (_trace * _trace * _trace);
+    }
+
+    // Replaces the torque by the turn H^-1 t; false when none can be told.
+    [[nodiscard]] bool Solve(PairPoint& turn) const
+    {
+        if (!(Roundness() > kUndetermined))
+            return false;
+        turn = (_cofactors[0] * turn.x + _cofactors[1] * turn.y + _cofactors[2] * turn.z) /
+               _determinant;
+        return turn.Length() < kLargestTurn;
+    }
+
+private:
+    double _trace;
+    double _determinant = 0.0;
+    PairPoint _cofactors[3];
+};
+
+// One step of Newton's iteration towards the nearest orthonormal matrix, c_j - sum c_k (c_k . c_j -
+// d_kj) / 2 on the columns c: errors are squared.
+MMatrix3x3 Orthonormalised(const PairPoint (&c)[3])
+{
+    PairPoint columns[3];
+    for (int j = 0; j < 3; ++j) {
+        PairPoint excess;
+        for (int k = 0; k < 3; ++k)
+            excess += c[k] * (c[k].Dot(c[j]) - (k == j ? 1.0 : 0.0));
+        columns[j] = c[j] - 0.5 * excess;
+    }
+    MMatrix3x3 result;
+    result.SetRow(0, {columns[0].x, columns[1].x, columns[2].x});
+    result.SetRow(1, {columns[0].y, columns[1].y, columns[2].y});
+    result.SetRow(2, {columns[0].z, columns[1].z, columns[2].z});
+    return result;
+}
+
+// R turned by |w| radians about w, to third order, and made orthonormal.
+MMatrix3x3 Turned(const MMatrix3x3& r, const PairPoint& w)
+{
+    PairPoint columns[3];
+    for (int i = 0; i < 3; ++i) {
+        const PairPoint column = r.GetColumn(i);
+        const PairPoint moved = w.Cross(column);
+        columns[i] = column + (moved + 0.5 * w.Cross(moved));
+    }
+    return Orthonormalised(columns);
+}
+
+bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b)
+{
+    double largest = 0.0;
+    for (unsigned int k = 0; k < 9; ++k) {
+        const double difference = std::abs(a.Value(k / 3, k % 3) - b.Value(k / 3, k % 3));
+        largest = std::max(largest, difference);
+    }
+    return largest <= kSettled;
+}
+
+} // namespace
+
+// M = s u v' with v the direction of the second points and u that of the first. The longest row
+// has the direction of v to rounding; sending it through the matrix frees it of what the other rows
+// have beside v.
+bool TurnDirections(MMatrix3x3& rotation, const MMatrix3x3& moments)
+{
+    PairPoint v;
+    for (int i = 0; i < 3; ++i) {
+        if (moments.GetRow(i).LengthSquared() > v.LengthSquared())
+            v = moments.GetRow(i);
+    }
+    PairPoint u;
+    for (int round = 0; round < 2; ++round) {
+        v.Normalise();
+        u = (moments * v).Normalised();
+        v = {moments.GetColumn(0).Dot(u), moments.GetColumn(1).Dot(u), moments.GetColumn(2).Dot(u)};
+    }
+    MMTransformMatrix turn;
+    if (!turn.MakeRotationInPlane(v.Normalised(), u, PairPoint()))
+        return false;
+    for (unsigned short i = 0; i < 3; ++i) {
+        PairPoint row;
+        turn.GetRow(row, i);
+        rotation.SetRow(i, row);
+    }
+    return true;
+}
+
+// With the best scale, the squared error that a matrix leaves is 1 - c^2 of the whole, where c is
+// its correlation: the trace of P over the root of the product of both squares. The best rotation
+// differs from the reflection in the direction of the least eigenvalue of P, which it takes with
+// the other sign.
+MMatrix3x3 ChooseHandedness(const MMatrix3x3& r, const MMatrix3x3& moments,
+                            const std::pair<double, double>& squares)
+{
+    const Stretch p(r, moments);
+    MMatrix3x3 matrix;
+    for (unsigned short i = 0; i < 3; ++i)
+        matrix.SetRow(i, p.rows[i]);
+    const SymmetricEigen eigen = SolveSymmetric(matrix);
+    const double whole = squares.first * squares.second;
+    const double reflected = p.Trace();
+    const double rotated = reflected - 2.0 * eigen.values[2];
+    if (whole - reflected * reflected < 0.5 * (whole - rotated * rotated))
+        return r;
+    MMatrix3x3 mirror;
+    mirror.PDotQTranspose(eigen.vectors[2], eigen.vectors[2]);
+    mirror *= -2.0;
+    mirror.SubtractFromDiagonal(-1.0);
+    return mirror * r;
+}
+
+MMatrix3x3 Settle(const MMatrix3x3& r, const MMatrix3x3& moments)
+{
+    // Orthonormal first: what R lacks there would pass for a torque.
+    MMatrix3x3 settled = Turned(r, PairPoint());
+    for (int k = 0; k < kMaxTurns; ++k) {
+        const Stretch p(settled, moments);
+        PairPoint turn = p.Torque();
+        if (!Resistance(p).Solve(turn))
+            break;
+        settled = Turned(settled, turn);
+        if (turn.Length() < kSmallTurn)
+            break;
+    }
+    return IsNear(settled, r) ? r : settled;
+}
+
+bool IsElongated(const MMatrix3x3& r, const MMatrix3x3& moments)
+{
+    return Resistance(Stretch(r, moments)).Roundness() < kElongated;
+}
+
+// About the centroids as they should be: the sums of q and r would be zero there.
+MMatrix3x3 SettleResiduals(const MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums,
+                           double count, double unit)
+{
+    PairPoint turn = (sums.torque - sums.turned.Cross(sums.residual) / count) / unit;
+    if (!Resistance(Stretch(r, moments)).Solve(turn))
+        return r;
+    const MMatrix3x3 settled = Turned(r, turn);
+    return IsNear(settled, r) ? r : settled;
+}
+
+} // namespace Norvek::Math::Core
