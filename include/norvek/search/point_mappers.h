@@ -24,8 +24,11 @@ public:
     /// Pairs of (target, point to be moved).
     using PairList = std::list<std::pair<MMPoint3d<double>*, MMPoint3d<double>*>>;
 
+    /// Nothing to construct.
     MBasePointMapper() = default;
+    /// Nothing to copy.
     MBasePointMapper(const MBasePointMapper&) = default;
+    /// Nothing to copy.
     MBasePointMapper& operator=(const MBasePointMapper&) = default;
     virtual ~MBasePointMapper();
 
@@ -60,8 +63,11 @@ public:
 class NORVEK_MATH_API MMapper3DPoints : public MBasePointMapper
 {
 public:
+    /// Nothing to construct.
     MMapper3DPoints() = default;
+    /// Nothing to copy.
     MMapper3DPoints(const MMapper3DPoints&) = default;
+    /// Nothing to copy.
     MMapper3DPoints& operator=(const MMapper3DPoints&) = default;
     ~MMapper3DPoints() override;
 
@@ -80,8 +86,11 @@ public:
 class NORVEK_MATH_API MMapper3DPointsScale : public MBasePointMapper
 {
 public:
+    /// Nothing to construct.
     MMapper3DPointsScale() = default;
+    /// Nothing to copy.
     MMapper3DPointsScale(const MMapper3DPointsScale&) = default;
+    /// Nothing to copy.
     MMapper3DPointsScale& operator=(const MMapper3DPointsScale&) = default;
     ~MMapper3DPointsScale() override;
 
@@ -106,8 +115,11 @@ public:
     /// Pairs of (target, segment to be moved).
     using SegmentList = std::list<std::pair<Segment, Segment>>;
 
+    /// Nothing to construct.
     MMapper3dSegments() = default;
+    /// Nothing to copy.
     MMapper3dSegments(const MMapper3dSegments&) = default;
+    /// Nothing to copy.
     MMapper3dSegments& operator=(const MMapper3dSegments&) = default;
     ~MMapper3dSegments() override;
 
