@@ -23,6 +23,7 @@ int main(int argc, char**)
         {"planes and lines", HashPlanesAndLines},
         {"boxes", HashBoxes},
         {"locators", HashLocators},
+        {"registrations", HashRegistrations},
         {"borders", HashBorders},
         {"general matrices", HashGeneralMatrices},
         {"symmetric matrices", HashSymmetricMatrices},

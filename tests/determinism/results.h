@@ -108,6 +108,7 @@ std::uint64_t HashStacks(Numbers numbers);
 std::uint64_t HashPlanesAndLines(Numbers numbers);
 std::uint64_t HashBoxes(Numbers numbers);
 std::uint64_t HashLocators(Numbers numbers);
+std::uint64_t HashRegistrations(Numbers numbers);
 std::uint64_t HashBorders(Numbers numbers);
 std::uint64_t HashGeneralMatrices(Numbers numbers);
 std::uint64_t HashSymmetricMatrices(Numbers numbers);

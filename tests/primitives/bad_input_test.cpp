@@ -5,6 +5,8 @@
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane.h>
+#include <norvek/search/point_mappers.h>
+#include <norvek/search/registered_points_tree.h>
 #include <norvek/transform/concat.h>
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
@@ -184,6 +186,38 @@ TEST(BadInput, EveryStackReturns)
                 merged->Transform(points), stack.Transform(points, points));
         } catch (const MMTransformException&) {
         }
+    }
+}
+
+TEST(BadInput, EveryFitReturns)
+{
+    const Anything n;
+    for (int i = 0; i < 20000; ++i) {
+        std::vector<Point> points(8);
+        MBasePointMapper::PairList pairs;
+        MMapper3dSegments::SegmentList segments;
+        for (std::size_t k = 0; k < 4; ++k) {
+            // Now and then a plain coordinate, so that some fits succeed.
+            points[2 * k] = i % 4 == 0 ? n.random.Point(1.0) : Point(n);
+            points[2 * k + 1] = i % 3 == 0 ? n.random.Point(1e-5) : Point(n);
+            pairs.emplace_back(&points[2 * k], &points[2 * k + 1]);
+            segments.push_back({{points[2 * k], points[k]}, {points[k + 1], points[2 * k + 1]}});
+        }
+        MMOrthoTransform motion;
+        Point centre;
+        double scale = 0.0;
+        EXPECT_TRUE(!MMapper3DPoints::MapPoints(motion, pairs) || motion.Verify());
+        EXPECT_TRUE(!MMapper3dSegments::MapSegments(motion, segments) || motion.Verify());
+        EXPECT_TRUE(MMapper3DPointsScale::MapPoints(scale, centre, pairs));
+        MBasePointMapper::FindTranslation(motion, {n, n});
+        MDataArray2D<MRegistrationCostInfo> costs(4, 4);
+        for (std::size_t k = 0; k < 16; ++k)
+            costs(k / 4, k % 4).SetInfo(static_cast<unsigned int>(k % 3) - 1, 1, n);
+        MMTransformMatrix matrix;
+        matrix.MakeTransformation(n, n, n, n);
+        MRegistered3DPointsTree tree;
+        EXPECT_TRUE(tree.Build(costs, {4, 4, matrix}, {4, matrix}));
+        tree.UpdateWcsTransforms();
     }
 }
 

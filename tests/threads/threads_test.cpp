@@ -6,6 +6,7 @@
 #include <norvek/bounds/axes_binded.h>
 #include <norvek/primitives/least_squares_plane.h>
 #include <norvek/search/kd_tree_point_locator.h>
+#include <norvek/search/point_mappers.h>
 #include <norvek/transform/legacy_rotation.h>
 #include <norvek/transform/ortho_transform.h>
 #include <norvek/transform/transform_matrix.h>
@@ -137,6 +138,25 @@ TEST(Threads, OneTreeServesAll)
             answers.insert(answers.end(), found.begin(), found.end());
         }
         return answers;
+    });
+}
+
+TEST(Threads, OneListOfPairsServesAll)
+{
+    std::vector<MMPoint3d<double>> points;
+    for (int i = 0; i < 1000; ++i)
+        points.emplace_back(i * 37 % 101, i * 53 % 97, i * 71 % 89);
+    MBasePointMapper::PairList pairs;
+    for (std::size_t i = 0; i < 1000; ++i)
+        pairs.emplace_back(&points[i], &points[999 - i]);
+    ExpectSameOnEightThreads([&pairs] {
+        MMPoint3d<double> image;
+        for (int i = 0; i < 20; ++i) {
+            MMOrthoTransform motion;
+            MMapper3DPoints::MapPoints(motion, pairs);
+            motion.Transform(image, image);
+        }
+        return image;
     });
 }
 
