@@ -14,6 +14,7 @@ constexpr std::uint32_t kNoIndex = MRegistered3DPointsTree::kNoIndex;
     throw std::out_of_range("invalid vector<T> subscript");
 }
 
+// Before anything is read: a table of another size would be read outside, or at the wrong pairs.
 template <class T>
 void CheckSquare(const MDataArray2D<T>& table, std::size_t size)
 {
@@ -21,6 +22,7 @@ void CheckSquare(const MDataArray2D<T>& table, std::size_t size)
         ThrowOutOfRange();
 }
 
+// A pair of sets of which one is in the tree; indices `kNoIndex` where there is none.
 struct Edge
 {
     std::uint32_t inTree = kNoIndex;
@@ -38,6 +40,7 @@ bool IsLess(const MRegistrationCostInfo& a, const MRegistrationCostInfo& b)
     return a < b;
 }
 
+// Ties go to the lower index in the tree, then to the lower one outside.
 bool IsBetter(const Edge& a, const Edge& b)
 {
     if (IsLess(a.cost, b.cost) || IsLess(b.cost, a.cost))
@@ -80,6 +83,7 @@ public:
     }
 
 private:
+    // The new set offers an edge to each one outside.
     void _Join(std::uint32_t i)
     {
         for (const std::uint32_t j : _outside) {
@@ -124,6 +128,7 @@ bool MRegistered3DPointsTree::Build(const MDataArray2D<MRegistrationCostInfo>& c
     return true;
 }
 
+// A parent must be in the tree, so that walking from the root meets every set that has one.
 std::uint32_t MRegistered3DPointsTree::AddNode(std::uint32_t parent,
                                                const MMTransformMatrix& relative,
                                                const MRegistrationCostInfo& cost)

@@ -91,6 +91,8 @@ struct PairedSum
     }
 };
 
+/// Two passes and no shifted sums in one: the deviations from the centroid keep their digits
+/// however far the points lie from the origin.
 template <class Pairs>
 Centroids FindCentroids(const Pairs& pairs)
 {
@@ -166,7 +168,8 @@ inline LanePair RootOfLanes(LanePair squares)
 #endif
 }
 
-/// The sums of one pass over the pairs.
+/// The sums of one pass over the pairs. The nine products of a pair take five multiplications of
+/// two lanes; each element is still the plain sum from the left.
 class MomentSums
 {
 public:
@@ -235,6 +238,8 @@ struct ResidualSums
     PairPoint residual;
 };
 
+/// Residuals of exact pairs are as small as the rounding of the coordinates, and so is the rounding
+/// of these sums. The moments have the rounding of squares of the whole length.
 template <class Pairs>
 ResidualSums SumResiduals(const Pairs& pairs, const Centroids& centroids, const MMatrix3x3& r)
 {
@@ -249,7 +254,8 @@ ResidualSums SumResiduals(const Pairs& pairs, const Centroids& centroids, const 
     return sums;
 }
 
-/// The sums of |a|^2 and |b|^2.
+/// The sums of |a|^2 and |b|^2. Needed for reflections alone, and therefore no part of the pass
+/// over the moments.
 template <class Pairs>
 std::pair<double, double> SumSquares(const Pairs& pairs, const Centroids& centroids)
 {
@@ -295,7 +301,9 @@ MMatrix3x3 SettleResiduals(const MMatrix3x3& r, const MMatrix3x3& moments, const
 inline constexpr double kLeastSpread = 0x1p-200;
 inline constexpr double kGreatestSpread = 0x1p200;
 
-/// R from the sums.
+/// R from the sums: conditioning, the nearest orthonormal matrix, its handedness, and what is left
+/// to turn. The road not taken is a singular value decomposition of the moments, which costs more
+/// and knows no more than they do.
 template <class Pairs>
 bool SolveRotation(MMatrix3x3& rotation, const Pairs& pairs, const Centroids& centroids,
                    const Moments& moments, Undetermined undetermined)

@@ -233,7 +233,7 @@ TEST(SegmentMapper, OneDirectionTurnsByTheSmallestAngle)
         const Point v = others[i % 4];
         const Point p = random.Point(1.0);
         Segments pairs;
-        for (double at = 0.0; at <= i % 3; at += 1.0)
+        for (int at = 0; at <= i % 3; ++at)
             pairs.push_back({{(p + at * u) * size, (p + (at + 0.5) * u) * size},
                              {at * v * size, (at + 0.5) * v * size}});
         MMOrthoTransform motion;
