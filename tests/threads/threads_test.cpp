@@ -144,6 +144,7 @@ TEST(Threads, OneTreeServesAll)
 TEST(Threads, OneListOfPairsServesAll)
 {
     std::vector<MMPoint3d<double>> points;
+    points.reserve(1000);
     for (int i = 0; i < 1000; ++i)
         points.emplace_back(i * 37 % 101, i * 53 % 97, i * 71 % 89);
     MBasePointMapper::PairList pairs;
