@@ -3,11 +3,10 @@
 #include "heights.h"
 #include "options.h"
 #include "picture.h"
-#include "support/failure.h"
+#include "support/program.h"
 #include "support/progress.h"
 #include "support/text.h"
 
-#include <exception>
 #include <iomanip>
 #include <iostream>
 
@@ -58,17 +57,6 @@ void Run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    try {
-        const histogram::Options options = histogram::ReadOptions(argc, argv);
-        if (options.isHelpWanted)
-            std::cout << histogram::kHelp;
-        else
-            histogram::Run(options);
-        if (!std::cout.flush())
-            throw example::Failure("cannot write the report");
-        return 0;
-    } catch (const std::exception& failure) {
-        std::cerr << "histogram: " << failure.what() << '\n';
-        return 1;
-    }
+    return example::RunProgram("histogram", histogram::kHelp, histogram::ReadOptions,
+                               histogram::Run, argc, argv);
 }

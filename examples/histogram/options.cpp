@@ -2,6 +2,7 @@
 
 #include "support/failure.h"
 #include "support/numbers.h"
+#include "support/options.h"
 
 namespace histogram
 {
@@ -25,31 +26,30 @@ Without it the program takes the elevation model that comes with it.
 Exit status: 0 done, 1 not done, with one line that says why.
 )";
 
+namespace
+{
+
+void TakeOption(Options& options, const std::string& option, const std::string& value)
+{
+    if (option == "--step") {
+        options.step = example::Numbers(option, value, 1)[0];
+        if (!(options.step > 0.0))
+            throw Failure("--step needs a positive length");
+    } else {
+        (option == "--svg" ? options.picture : options.unit) = value;
+    }
+}
+
+} // namespace
+
 Options ReadOptions(int argc, char** argv)
 {
     Options options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (word == "--help") {
-            options.isHelpWanted = true;
-        } else if (word == "--step" || word == "--svg" || word == "--unit") {
-            if (++i == argc || *argv[i] == '\0')
-                throw Failure(word + " needs a value; see --help");
-            if (word == "--step") {
-                options.step = example::Numbers(word, argv[i], 1)[0];
-                if (!(options.step > 0.0))
-                    throw Failure("--step needs a positive length");
-            } else {
-                (word == "--svg" ? options.picture : options.unit) = argv[i];
-            }
-        } else if (word.empty() || word.starts_with("-")) {
-            throw Failure("there is no option " + word + "; see --help");
-        } else if (!options.surface.empty()) {
-            throw Failure("one surface at a time: " + options.surface + " or " + word);
-        } else {
-            options.surface = word;
-        }
-    }
+    options.isHelpWanted = example::ReadCommandLine(
+        argc, argv,
+        {.valued = {"--step", "--svg", "--unit"},
+         .take = [&](const auto& option, const auto& value) { TakeOption(options, option, value); },
+         .surface = &options.surface});
     if (options.surface.empty()) {
         options.surface = HISTOGRAM_DEFAULT_SURFACE;
         options.unit = "m";

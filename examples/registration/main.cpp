@@ -6,6 +6,7 @@
 #include "options.h"
 #include "picture.h"
 #include "support/failure.h"
+#include "support/program.h"
 #include "support/progress.h"
 #include "support/surface.h"
 #include "support/text.h"
@@ -14,7 +15,6 @@
 
 #include <array>
 #include <cmath>
-#include <exception>
 #include <iomanip>
 #include <iostream>
 
@@ -142,17 +142,6 @@ void Run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    try {
-        const registration::Options options = registration::ReadOptions(argc, argv);
-        if (options.isHelpWanted)
-            std::cout << registration::kHelp;
-        else
-            registration::Run(options);
-        if (!std::cout.flush())
-            throw example::Failure("cannot write the report");
-        return 0;
-    } catch (const std::exception& failure) {
-        std::cerr << "registration: " << failure.what() << '\n';
-        return 1;
-    }
+    return example::RunProgram("registration", registration::kHelp, registration::ReadOptions,
+                               registration::Run, argc, argv);
 }

@@ -1,12 +1,11 @@
 #include "options.h"
 
-#include "support/failure.h"
 #include "support/numbers.h"
+#include "support/options.h"
 
 namespace registration
 {
 
-using example::Failure;
 using example::Numbers;
 
 const char* const kHelp = R"(Usage: registration [OPTION]... [SURFACE]
@@ -28,35 +27,31 @@ Without it the program takes the elevation model that comes with it.
 Exit status: 0 done, 1 not done, with one line that says why.
 )";
 
+namespace
+{
+
+void TakeOption(Options& options, const std::string& option, const std::string& value)
+{
+    if (option == "--svg") {
+        options.picture = value;
+    } else if (option == "--shift") {
+        const std::vector<double> n = Numbers(option, value, 3);
+        options.shift = {n[0], n[1], n[2]};
+    } else {
+        (option == "--turn" ? options.turn : options.noise) = Numbers(option, value, 1)[0];
+    }
+}
+
+} // namespace
+
 Options ReadOptions(int argc, char** argv)
 {
     Options options;
-    bool hasSurface = false;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (word == "--help") {
-            options.isHelpWanted = true;
-        } else if (word == "--turn" || word == "--shift" || word == "--noise" || word == "--svg") {
-            if (++i == argc || *argv[i] == '\0')
-                throw Failure(word + " needs a value; see --help");
-            const std::string value = argv[i];
-            if (word == "--svg") {
-                options.picture = value;
-            } else if (word == "--shift") {
-                const std::vector<double> n = Numbers(word, value, 3);
-                options.shift = {n[0], n[1], n[2]};
-            } else {
-                (word == "--turn" ? options.turn : options.noise) = Numbers(word, value, 1)[0];
-            }
-        } else if (word.empty() || word.starts_with("-")) {
-            throw Failure("there is no option " + word + "; see --help");
-        } else if (hasSurface) {
-            throw Failure("one surface at a time: " + options.surface + " or " + word);
-        } else {
-            options.surface = word;
-            hasSurface = true;
-        }
-    }
+    options.isHelpWanted = example::ReadCommandLine(
+        argc, argv,
+        {.valued = {"--turn", "--shift", "--noise", "--svg"},
+         .take = [&](const auto& option, const auto& value) { TakeOption(options, option, value); },
+         .surface = &options.surface});
     return options;
 }
 

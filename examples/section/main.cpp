@@ -6,13 +6,13 @@
 #include "report.h"
 #include "section.h"
 #include "support/failure.h"
+#include "support/program.h"
 #include "support/progress.h"
 #include "support/surface.h"
 #include "support/text.h"
 
 #include <algorithm>
 #include <cmath>
-#include <exception>
 #include <iostream>
 
 namespace section
@@ -106,17 +106,6 @@ void Run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    try {
-        const section::Options options = section::ReadOptions(argc, argv);
-        if (options.isHelpWanted)
-            std::cout << section::kHelp;
-        else
-            section::Run(options);
-        if (!std::cout.flush())
-            throw example::Failure("cannot write the report");
-        return 0;
-    } catch (const std::exception& failure) {
-        std::cerr << "section: " << failure.what() << '\n';
-        return 1;
-    }
+    return example::RunProgram("section", section::kHelp, section::ReadOptions, section::Run, argc,
+                               argv);
 }

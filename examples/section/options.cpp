@@ -2,6 +2,7 @@
 
 #include "support/failure.h"
 #include "support/numbers.h"
+#include "support/options.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,7 +46,9 @@ namespace
 
 void TakeOption(Options& options, const std::string& option, const std::string& value)
 {
-    if (option == "--plane") {
+    if (option == "--fit") {
+        options.isFitWanted = true;
+    } else if (option == "--plane") {
         const std::vector<double> n = Numbers(option, value, 4);
         // In units of the largest component, so that no square overflows or vanishes.
         const double largest = std::max({std::abs(n[0]), std::abs(n[1]), std::abs(n[2])});
@@ -74,30 +77,12 @@ void TakeOption(Options& options, const std::string& option, const std::string& 
 Options ReadOptions(int argc, char** argv)
 {
     Options options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (word == "--help") {
-            options.isHelpWanted = true;
-        } else if (word == "--fit") {
-            options.isFitWanted = true;
-        } else if (word == "--plane" || word == "--levels" || word == "--clip" ||
-                   word == "--point" || word == "--svg" || word == "--unit")
-        {
-            if (++i == argc)
-                throw Failure(word + " needs a value; see --help");
-            if (*argv[i] == '\0')
-                throw Failure(word + " needs a value that is not empty");
-            TakeOption(options, word, argv[i]);
-        } else if (word.empty()) {
-            throw Failure("the name of the surface is empty");
-        } else if (word.starts_with("-")) {
-            throw Failure("there is no option " + word + "; see --help");
-        } else if (!options.surface.empty()) {
-            throw Failure("one surface at a time: " + options.surface + " or " + word);
-        } else {
-            options.surface = word;
-        }
-    }
+    options.isHelpWanted = example::ReadCommandLine(
+        argc, argv,
+        {.valued = {"--plane", "--levels", "--clip", "--point", "--svg", "--unit"},
+         .flags = {"--fit"},
+         .take = [&](const auto& option, const auto& value) { TakeOption(options, option, value); },
+         .surface = &options.surface});
     if (options.surface.empty()) {
         options.surface = SECTION_DEFAULT_SURFACE;
         options.unit = "m";

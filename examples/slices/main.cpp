@@ -4,13 +4,12 @@
 #include "options.h"
 #include "picture.h"
 #include "slice.h"
-#include "support/failure.h"
+#include "support/program.h"
 #include "support/text.h"
 #include "volume.h"
 
 #include <norvek/transform/orientation_codes.h>
 
-#include <exception>
 #include <iomanip>
 #include <iostream>
 
@@ -89,17 +88,6 @@ void Run(const Options& options)
 
 int main(int argc, char** argv)
 {
-    try {
-        const slices::Options options = slices::ReadOptions(argc, argv);
-        if (options.isHelpWanted)
-            std::cout << slices::kHelp;
-        else
-            slices::Run(options);
-        if (!std::cout.flush())
-            throw example::Failure("cannot write the report");
-        return 0;
-    } catch (const std::exception& failure) {
-        std::cerr << "slices: " << failure.what() << '\n';
-        return 1;
-    }
+    return example::RunProgram("slices", slices::kHelp, slices::ReadOptions, slices::Run, argc,
+                               argv);
 }

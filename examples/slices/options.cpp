@@ -2,6 +2,7 @@
 
 #include "support/failure.h"
 #include "support/numbers.h"
+#include "support/options.h"
 
 #include <algorithm>
 #include <cmath>
@@ -113,21 +114,14 @@ void TakeOption(Options& options, const std::string& option, const std::string& 
 
 Options ReadOptions(int argc, char** argv)
 {
-    constexpr const char* known[]{"--code", "--size",   "--spacing", "--centre", "--normal",
-                                  "--turn", "--pixels", "--pixel",   "--svg"};
     Options options;
-    for (int i = 1; i < argc; ++i) {
-        const std::string word = argv[i];
-        if (word == "--help") {
-            options.isHelpWanted = true;
-            continue;
-        }
-        if (std::find(std::begin(known), std::end(known), word) == std::end(known))
-            throw Failure("there is no option " + word + "; see --help");
-        if (++i == argc || *argv[i] == '\0')
-            throw Failure(word + " needs a value; see --help");
-        TakeOption(options, word, argv[i]);
-    }
+    options.isHelpWanted =
+        example::ReadCommandLine(argc, argv,
+                                 {.valued = {"--code", "--size", "--spacing", "--centre",
+                                             "--normal", "--turn", "--pixels", "--pixel", "--svg"},
+                                  .take = [&](const auto& option, const auto& value) {
+                                      TakeOption(options, option, value);
+                                  }});
     return options;
 }
 
