@@ -6,6 +6,8 @@
 
 #include <benchmark/benchmark.h>
 
+#include <memory>
+
 namespace
 {
 
@@ -104,6 +106,25 @@ void BM_AllWithin(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(kQueries));
 }
 
+// One tree for all threads: each searches it for queries of its own.
+std::unique_ptr<const Case> sharedCase;
+
+void BuildShared(const benchmark::State& state)
+{
+    sharedCase = std::make_unique<const Case>(state);
+}
+
+void ReleaseShared(const benchmark::State& /*state*/)
+{
+    sharedCase.reset();
+}
+
+void BM_NearestShared(benchmark::State& state)
+{
+    Nearest(state, *sharedCase, norvek_benchmark::NearQueries(sharedCase->cloud, kQueries),
+            MClosestPointInfo::kInfiniteDistance);
+}
+
 #define CLOUDS ->ArgsProduct({{0, 1, 2}, {10000, 100000, 1000000}})->Unit(benchmark::kMillisecond)
 BENCHMARK(BM_LocatorBuild) CLOUDS;
 BENCHMARK(BM_NearestNear) CLOUDS;
@@ -111,5 +132,7 @@ BENCHMARK(BM_NearestRandom) CLOUDS;
 BENCHMARK(BM_NearestWithin) CLOUDS;
 BENCHMARK(BM_EightNearest) CLOUDS;
 BENCHMARK(BM_AllWithin) CLOUDS;
+BENCHMARK(BM_NearestShared)
+CLOUDS->Setup(BuildShared)->Teardown(ReleaseShared)->ThreadRange(1, 2)->UseRealTime();
 
 } // namespace

@@ -86,6 +86,21 @@ Alignment Align(const MKDTreePointLocator& fixed, const Cloud& moved, double spa
     return alignment;
 }
 
+std::vector<double> ResidualsOf(const MKDTreePointLocator& fixed, const Cloud& moved,
+                                const MMOrthoTransform& motion)
+{
+    std::vector<double> residuals;
+    for (const Point& point : moved) {
+        Point place;
+        motion.Transform(place, point);
+        MClosestPointInfo info;
+        info.SetQueryPoint(place);
+        if (fixed.FindClosestPoint(info))
+            residuals.push_back(info.GetDistance());
+    }
+    return residuals;
+}
+
 // From the skew part of the rotation, whose length is twice the sine.
 double AngleOf(const MMOrthoTransform& motion)
 {

@@ -33,6 +33,10 @@ using Report = std::function<void(const Alignment&)>;
 Alignment Align(const MKDTreePointLocator& fixed, const Cloud& moved, double spacing,
                 const Report& report);
 
+/// The distances from the moved points, carried by `motion`, to their nearest points of `fixed`.
+std::vector<double> ResidualsOf(const MKDTreePointLocator& fixed, const Cloud& moved,
+                                const MMOrthoTransform& motion);
+
 /// The angle in degrees that a nearly identical motion turns by.
 double AngleOf(const MMOrthoTransform& motion);
 

@@ -65,6 +65,8 @@ Pair RegisterPair(const example::Surface& surface, const Options& options, doubl
     });
     if (pair.alignment.numIterations == 0)
         throw example::Failure("no point of one crop comes near the other");
+    pair.before = ResidualsOf(locator, pair.moved.points, {});
+    pair.after = ResidualsOf(locator, pair.moved.points, pair.alignment.motion);
     // The true motion and the way back: what is left of both is the error.
     MMOrthoTransform left = pair.moved.motion;
     left.Concatenate(pair.alignment.motion);

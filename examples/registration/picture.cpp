@@ -18,14 +18,21 @@ namespace
 
 using Point = MMPoint3d<double>;
 
-// The sheet, in SVG units: two columns, the profiles above the maps.
+// The sheet, in SVG units: two columns; profiles, residuals, maps.
 constexpr double kMargin = 40.0;
 constexpr double kPanelWidth = 480.0;
 constexpr double kProfileHeight = 190.0;
+constexpr double kResidualHeight = 150.0;
 constexpr double kMapHeight = 500.0;
 constexpr double kHeading = 44.0;
 constexpr double kGap = 46.0;
-constexpr double kMapTop = kMargin + kHeading + kProfileHeight + kGap + kHeading;
+constexpr double kResidualTop = kMargin + kHeading + kProfileHeight + kGap + kHeading;
+constexpr double kMapTop = kResidualTop + kResidualHeight + kGap + kHeading;
+
+// The residuals are counted in so many intervals, up to so many times the lower quartile before the
+// alignment: what lies beyond belongs to the part that the crops do not share.
+constexpr std::size_t kNumBars = 48;
+constexpr double kShownQuartiles = 2.0;
 
 constexpr const char* kColours[]{"#3a4654", "#c8102e", "#1450a0", "#1a7f37", "#b46a00"};
 
@@ -64,6 +71,17 @@ public:
         WriteProfile(0, "Two crops in profile, before", pair.fixed.points, pair.moved.points);
         WriteProfile(1, "after " + std::to_string(pair.alignment.numIterations) + " iterations",
                      pair.fixed.points, returned);
+        const double reach = kShownQuartiles * LowerQuartileOf(pair.before);
+        const auto before = CountBars(pair.before, reach);
+        const auto after = CountBars(pair.after, reach);
+        const double most = std::max(*std::max_element(before.begin(), before.end()),
+                                     *std::max_element(after.begin(), after.end()));
+        WriteResiduals(0,
+                       "Distances to the fixed crop: lower quartile " +
+                           Fixed(LowerQuartileOf(pair.before), 0),
+                       before, reach, most);
+        WriteResiduals(1, "after: lower quartile " + Fixed(LowerQuartileOf(pair.after), 0), after,
+                       reach, most);
     }
 
     void WriteMap(const Map& map)
@@ -138,6 +156,46 @@ private:
                    "text-anchor=\"end\" fill=\"#1450a0\"");
         _file.Text(panel.left + panel.width - 44.0, panel.top - 16.0, "moved",
                    "text-anchor=\"end\" fill=\"#c8102e\"");
+    }
+
+    static double LowerQuartileOf(std::vector<double> values)
+    {
+        const auto quarter = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 4);
+        std::nth_element(values.begin(), quarter, values.end());
+        return *quarter;
+    }
+
+    // The share of the residuals in each interval; what lies beyond the last one is left out.
+    static std::vector<double> CountBars(const std::vector<double>& residuals, double reach)
+    {
+        std::vector<double> bars(kNumBars, 0.0);
+        for (const double residual : residuals) {
+            const double place = residual / reach * static_cast<double>(kNumBars);
+            if (place < static_cast<double>(kNumBars))
+                bars[static_cast<std::size_t>(place)] +=
+                    1.0 / static_cast<double>(residuals.size());
+        }
+        return bars;
+    }
+
+    void WriteResiduals(int column, const std::string& title, const std::vector<double>& bars,
+                        double reach, double most)
+    {
+        const Panel panel{Left(column), kResidualTop, kPanelWidth, kResidualHeight,
+                          0.0,          reach,        0.0,         1.08 * most};
+        WriteFrame(panel, title);
+        const double width = panel.width / static_cast<double>(bars.size());
+        for (std::size_t i = 0; i < bars.size(); ++i) {
+            const double height = panel.height * bars[i] / panel.highY;
+            _out << "<rect x=\"" << Fixed(panel.left + width * static_cast<double>(i), 1)
+                 << "\" y=\"" << Fixed(panel.top + panel.height - height, 1) << "\" width=\""
+                 << Fixed(width - 1.0, 1) << "\" height=\"" << Fixed(height, 1) << "\" fill=\""
+                 << kColours[1] << "\"/>\n";
+        }
+        const double below = panel.top + panel.height + 18.0;
+        _file.Text(panel.left, below, "0");
+        _file.Text(panel.left + panel.width, below, example::ShortNumber(std::round(reach)),
+                   "text-anchor=\"end\"");
     }
 
     void WriteFromAbove(int column, const std::string& title, const std::vector<Cloud>& clouds)

@@ -16,6 +16,9 @@ struct Pair
     Crop fixed;
     Crop moved;
     Alignment alignment;
+    /// The distances from the moved points to the fixed crop, before and after.
+    std::vector<double> before;
+    std::vector<double> after;
 };
 
 /// Crops, each moved, and their points joined in one frame.
@@ -25,8 +28,9 @@ struct Map
     std::vector<Cloud> joined;
 };
 
-/// Writes the picture that `options` name, as SVG: a profile through the pair before and after, and
-/// the map from above before and after. Throws `example::Failure` when the file cannot be written.
+/// Writes the picture that `options` name, as SVG: before and after, a profile through the pair,
+/// its residuals, and the map from above. Throws `example::Failure` when the file cannot be
+/// written.
 void WritePicture(const Options& options, const example::Surface& surface, const Pair& pair,
                   const Map& map);
 
