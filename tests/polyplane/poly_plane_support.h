@@ -14,6 +14,11 @@ namespace norvek_test
 
 using Point = MMPoint3d<double>;
 
+inline void ExpectNear(const Point& a, const Point& b, double tolerance)
+{
+    EXPECT_LE((a - b).Length(), tolerance) << a << " and " << b;
+}
+
 /// A frame for outlines: two unit axes across a direction and an origin.
 struct Base
 {

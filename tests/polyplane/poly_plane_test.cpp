@@ -12,6 +12,7 @@ namespace
 {
 
 using norvek_test::Base;
+using norvek_test::ExpectNear;
 using norvek_test::Fill;
 using norvek_test::Point;
 using norvek_test::Random;
@@ -22,11 +23,6 @@ struct OpenPlane : MPolyPlane
 {
     using MPolyPlane::_Sanity;
 };
-
-void ExpectNear(const Point& a, const Point& b, double tolerance)
-{
-    EXPECT_LE((a - b).Length(), tolerance) << a << " and " << b;
-}
 
 // The rule written down: every edge takes every test, with nothing passed over.
 bool IsInsideByEveryEdge(MPolyPlane& plane, const Point& query)
