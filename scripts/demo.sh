@@ -15,4 +15,5 @@ draw slices "Laying a plane through an image volume"
 draw histogram "Counting the heights of the elevation model"
 draw nearest "Asking a k-d tree"
 draw registration "Bringing moved crops back by nearest points"
+draw bent_cut "Cutting the elevation model along a bent outline"
 printf '\nThe pictures of the examples are in out, one SVG each; open them in any browser.\n'
