@@ -25,6 +25,13 @@ namespace
 constexpr std::size_t kPercentage = 1;
 constexpr std::size_t kCloseStatus = 4;
 
+// How far rounding may move a fitted curve, in parts of the extent of its points.
+constexpr double kAccuracy = 1e-7;
+
+// What the solver's rounding may amount to, in parts of the largest control point: 64 epsilons; 50
+// have been seen.
+constexpr double kSolverRounding = 0x1p-46;
+
 using Values = std::vector<double>;
 
 // The measured points: x, y and z in turn.
@@ -109,14 +116,70 @@ Values CollocationMatrix(const FitOptions& options, const double* knots, const V
     return matrix;
 }
 
+// One least-squares system for three coordinates.
+struct System
+{
+    std::size_t rows;
+    std::size_t columns;
+    Values matrix;
+
+    // Replaces the right-hand sides by the solution, in its first rows.
+    [[nodiscard]] bool Solve(Values& right) const
+    {
+        return Norvek::Math::Core::SolveDenseLeastSquares({rows, columns, matrix.data()},
+                                                          {rows, 3, right.data()});
+    }
+
+    // The points of the curve with these control points at all parameters.
+    [[nodiscard]] Values Evaluate(const Values& solution) const
+    {
+        Values result(3 * rows);
+        for (std::size_t i = 0; i < rows; ++i) {
+            for (std::size_t j = 0; j < columns; ++j) {
+                const double basis = matrix[i * columns + j];
+                for (std::size_t c = 0; basis != 0.0 && c < 3; ++c)
+                    result[3 * i + c] += basis * solution[3 * j + c];
+            }
+        }
+        return result;
+    }
+};
+
+// The largest difference between a coordinate and that of the first point.
+double Reach(const double* coordinates, std::size_t count, const double* origin)
+{
+    double reach = 0.0;
+    for (std::size_t i = 0; i < 3 * count; ++i)
+        reach = std::max(reach, std::abs(coordinates[i] - origin[i % 3]));
+    return reach;
+}
+
+// Whether rounding in the solver has moved the curve by no more than a tiny part of the points'
+// extent. Where the system is nearly short of rank, control points swing so far out that even their
+// last digits matter. Only then, the remaining differences are fitted once more: what that finds
+// is what the first solution lacks.
+bool IsAccurate(const System& system, const Points& points, const Values& solution)
+{
+    const double bound = kAccuracy * Reach(points.coordinates, points.count, points.coordinates);
+    if (Reach(solution.data(), system.columns, points.coordinates) * kSolverRounding <= bound)
+        return true;
+    Values lacking = system.Evaluate(solution);
+    for (std::size_t i = 0; i < lacking.size(); ++i)
+        lacking[i] = points.coordinates[i] - lacking[i];
+    if (!system.Solve(lacking))
+        return false;
+    const Values moved = system.Evaluate(lacking);
+    return std::all_of(moved.begin(), moved.end(),
+                       [&](double value) { return std::abs(value) <= bound; });
+}
+
 bool Fit(const FitOptions& options, const Points& points, const Values& parameters,
          const NURBSCurv& curve)
 {
     const auto columns = static_cast<std::size_t>(options.FreeCount());
+    const System system{points.count, columns, CollocationMatrix(options, curve.knots, parameters)};
     Values solution(points.coordinates, points.coordinates + 3 * points.count);
-    const Values matrix = CollocationMatrix(options, curve.knots, parameters);
-    if (!Norvek::Math::Core::SolveDenseLeastSquares({points.count, columns, matrix.data()},
-                                                    {points.count, 3, solution.data()}))
+    if (!system.Solve(solution) || !IsAccurate(system, points, solution))
         return false;
     for (std::size_t j = 0; j < static_cast<std::size_t>(options.count); ++j)
         std::copy_n(solution.data() + 3 * (j % columns), 3, curve.controlPoints[j].coordinates);

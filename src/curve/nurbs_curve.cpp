@@ -1,15 +1,16 @@
 #include "curve/basis.h"
 #include "curve/basis_work.h"
+#include "curve/fixed_basis.h"
 #include "linalg/lane_pair.h"
 
 #include <norvek/curve/nurbs.h>
-
-#include <type_traits>
 
 using Norvek::Math::Core::BasisWork;
 using Norvek::Math::Core::BothLanes;
 using Norvek::Math::Core::EvaluateBasis;
 using Norvek::Math::Core::FindKnotSpan;
+using Norvek::Math::Core::FixedBasis;
+using Norvek::Math::Core::IsSpanPlain;
 using Norvek::Math::Core::kNurbsZero;
 using Norvek::Math::Core::LanePair;
 using Norvek::Math::Core::LoadPair;
@@ -23,28 +24,42 @@ struct Homogeneous
 {
     LanePair xy;
     LanePair zw;
+};
 
-    void Add(double factor, const Point4D& point)
+// The basis of an order that is known when a call is made.
+template <int kDerivatives>
+class AnyBasis
+{
+public:
+    AnyBasis(double t, int order, const double* knots, BasisWork& work)
+        : _arrays{work.Array(0), work.Array(1), work.Array(2)}
     {
-        xy += BothLanes(factor) * LoadPair(point.coordinates);
-        zw += BothLanes(factor) * LoadPair(point.coordinates + 2);
+        EvaluateBasis(t, order, knots, _arrays[0], kDerivatives > 0 ? _arrays[1] : nullptr,
+                      kDerivatives > 1 ? _arrays[2] : nullptr);
     }
+
+    template <int kDerivative>
+    [[nodiscard]] LanePair At(int r) const
+    {
+        return BothLanes(_arrays[kDerivative][r]);
+    }
+
+private:
+    double* _arrays[3];
 };
 
-// A curve that has been checked.
-struct Curve
+// A derivative of the homogeneous curve.
+template <int kDerivative, class Basis>
+Homogeneous Combine(int order, const Basis& basis, const Point4D* points)
 {
-    std::int32_t count;
-    const double* knots;
-    const Point4D* controlPoints;
-};
-
-template <class Order>
-Homogeneous Combine(Order order, const double* basis, const Point4D* points)
-{
-    Homogeneous sum{};
-    for (std::ptrdiff_t r = 0; r < order; ++r)
-        sum.Add(basis[r], points[r]);
+    const LanePair head = basis.template At<kDerivative>(0);
+    Homogeneous sum{head * LoadPair(points[0].coordinates),
+                    head * LoadPair(points[0].coordinates + 2)};
+    for (int r = 1; r < order; ++r) {
+        const LanePair factor = basis.template At<kDerivative>(r);
+        sum.xy += factor * LoadPair(points[r].coordinates);
+        sum.zw += factor * LoadPair(points[r].coordinates + 2);
+    }
     return sum;
 }
 
@@ -57,25 +72,21 @@ Homogeneous Deliver(const Homogeneous& numerator, LanePair weight, Nurbs::Point&
     return quotient;
 }
 
-template <int kDerivatives, class Order>
-int Evaluate(Order order, const Curve& curve, double t, double* const (&basis)[3],
-             Nurbs::Point* result)
+// `points` are those of the span, `order` many.
+template <int kDerivatives, class Basis>
+int Project(int order, const Basis& basis, const Point4D* points, Nurbs::Point* result)
 {
-    const std::int32_t span = FindKnotSpan(order, curve.count, curve.knots, t);
-    EvaluateBasis(t, order, curve.knots + span, basis[0], kDerivatives > 0 ? basis[1] : nullptr,
-                  kDerivatives > 1 ? basis[2] : nullptr);
-    const Point4D* const points = curve.controlPoints + (span - order);
-    const Homogeneous a = Combine(order, basis[0], points);
+    const Homogeneous a = Combine<0>(order, basis, points);
     if (std::abs(a.zw[1]) <= kNurbsZero)
         return Nurbs::kVanishingWeightError;
     const LanePair w = BothLanes(a.zw[1]);
     const Homogeneous c = Deliver(a, w, result[0]);
     if constexpr (kDerivatives > 0) {
-        const Homogeneous a1 = Combine(order, basis[1], points);
+        const Homogeneous a1 = Combine<1>(order, basis, points);
         const LanePair w1 = BothLanes(a1.zw[1]);
         const Homogeneous c1 = Deliver({a1.xy - w1 * c.xy, a1.zw - w1 * c.zw}, w, result[1]);
         if constexpr (kDerivatives > 1) {
-            const Homogeneous a2 = Combine(order, basis[2], points);
+            const Homogeneous a2 = Combine<2>(order, basis, points);
             const LanePair w2 = BothLanes(a2.zw[1]);
             const LanePair twice = BothLanes(2.0) * w1;
             Deliver({a2.xy - twice * c1.xy - w2 * c.xy, a2.zw - twice * c1.zw - w2 * c.zw}, w,
@@ -85,61 +96,71 @@ int Evaluate(Order order, const Curve& curve, double t, double* const (&basis)[3
     return Nurbs::kNoError;
 }
 
-template <int kDerivatives, std::size_t kOrder>
-int EvaluateFixed(const Curve& curve, double t, Nurbs::Point* result)
+template <int kDerivatives, int kOrder>
+int EvaluateFixed(double t, const double* knots, const Point4D* points, Nurbs::Point* result)
 {
-    double values[kOrder];
-    double first[kOrder];
-    double second[kOrder];
-    return Evaluate<kDerivatives>(std::integral_constant<int, int{kOrder}>{}, curve, t,
-                                  {values, first, second}, result);
+    return Project<kDerivatives>(kOrder, FixedBasis<kOrder, kDerivatives>(t, knots), points,
+                                 result);
 }
 
 template <int kDerivatives>
-int EvaluateAny(int order, const Curve& curve, double t, Nurbs::Point* result)
+[[gnu::noinline]] int EvaluateAny(int order, double t, const double* knots, const Point4D* points,
+                                  Nurbs::Point* result)
 {
-    switch (order) {
-    case 3:
-        return EvaluateFixed<kDerivatives, 3>(curve, t, result);
-    case 4:
-        return EvaluateFixed<kDerivatives, 4>(curve, t, result);
-    default:
-        break;
-    }
     BasisWork work(static_cast<std::size_t>(order));
     if (!work.IsReady())
         return Nurbs::kMemoryError;
-    return Evaluate<kDerivatives>(order, curve, t, {work.Array(0), work.Array(1), work.Array(2)},
-                                  result);
+    return Project<kDerivatives>(order, AnyBasis<kDerivatives>(t, order, knots, work), points,
+                                 result);
+}
+
+template <int kDerivatives>
+int Evaluate(int order, std::int32_t count, const double* knots, const Point4D* points, double t,
+             Nurbs::Point* result)
+{
+    const std::int32_t span = FindKnotSpan(order, count, knots, t);
+    knots += span;
+    points += span - order;
+    if (IsSpanPlain(knots)) {
+        if (order == 4)
+            return EvaluateFixed<kDerivatives, 4>(t, knots, points, result);
+        if (order == 3)
+            return EvaluateFixed<kDerivatives, 3>(t, knots, points, result);
+    }
+    return EvaluateAny<kDerivatives>(order, t, knots, points, result);
+}
+
+int EvaluateChecked(int derivatives, int order, std::int32_t count, const double* knots,
+                    const Point4D* points, double t, Nurbs::Point* result)
+{
+    if (order < 1)
+        return Nurbs::kOrderErrorU;
+    if (count < order || knots == nullptr || points == nullptr || result == nullptr)
+        return Nurbs::kControlPointsErrorU;
+    switch (derivatives) {
+    case 0:
+        return Evaluate<0>(order, count, knots, points, t, result);
+    case 1:
+        return Evaluate<1>(order, count, knots, points, t, result);
+    case 2:
+        return Evaluate<2>(order, count, knots, points, t, result);
+    default:
+        return Nurbs::kDerivativesError;
+    }
 }
 
 } // namespace
 
 int nurbs_curv_eval(int derivatives, const NURBSCurv& curve, double t, Nurbs::Point* result)
 {
-    return nurbs_curv_eval(derivatives, curve.order, curve.numControlPoints, curve.knots,
+    return EvaluateChecked(derivatives, curve.order, curve.numControlPoints, curve.knots,
                            curve.controlPoints, t, result);
 }
 
 int nurbs_curv_eval(int derivatives, int order, std::int32_t numControlPoints, double* knots,
                     Point4D* controlPoints, double t, Nurbs::Point* result)
 {
-    if (order < 1)
-        return Nurbs::kOrderErrorU;
-    if (numControlPoints < order || knots == nullptr || controlPoints == nullptr ||
-        result == nullptr)
-        return Nurbs::kControlPointsErrorU;
-    const Curve curve{numControlPoints, knots, controlPoints};
-    switch (derivatives) {
-    case 0:
-        return EvaluateAny<0>(order, curve, t, result);
-    case 1:
-        return EvaluateAny<1>(order, curve, t, result);
-    case 2:
-        return EvaluateAny<2>(order, curve, t, result);
-    default:
-        return Nurbs::kDerivativesError;
-    }
+    return EvaluateChecked(derivatives, order, numControlPoints, knots, controlPoints, t, result);
 }
 
 int bc_eval_b_code_sub(double t, int order, double* knots, std::int32_t span, double* N, double* N1,
