@@ -26,7 +26,7 @@ constexpr std::size_t kPercentage = 1;
 constexpr std::size_t kCloseStatus = 4;
 
 // How far rounding may move a fitted curve, in parts of the extent of its points.
-constexpr double kAccuracy = 1e-7;
+constexpr double kAccuracy = 1e-8;
 
 // What the solver's rounding may amount to, in parts of the largest control point: 64 epsilons; 50
 // have been seen.
@@ -50,11 +50,14 @@ bool AreFinite(const Points& points)
     return sum == 0.0;
 }
 
-// The step of the parameter over a squared distance that counts.
+// The step of the parameter over a squared distance that counts. What pow gives for exponents of 0
+// and 1 is exact, and these are the usual ones.
 double Step(double squaredDistance, double exponent)
 {
-    // What pow gives for an exponent of 0, without the call: the usual exponent of curve objects.
-    return exponent == 0.0 ? 1.0 : std::pow(std::sqrt(squaredDistance), exponent);
+    if (exponent == 0.0)
+        return 1.0;
+    const double distance = std::sqrt(squaredDistance);
+    return exponent == 1.0 ? distance : std::pow(distance, exponent);
 }
 
 // Parameters from 0 to 1. False when they have no sum that could be divided by.
@@ -93,56 +96,61 @@ void BuildKnots(const FitOptions& options, double* knots)
     }
 }
 
-// The basis values of every parameter, a row each.
-Values CollocationMatrix(const FitOptions& options, const double* knots, const Values& parameters)
+// The least-squares system of all three coordinates: the basis values of each parameter, and where
+// among the free control points they begin. The last control points of a periodic curve are the
+// first ones again: its values wrap around, and where the free control points are fewer than the
+// order, several of them meet.
+class System
 {
-    const auto columns = static_cast<std::size_t>(options.FreeCount());
-    const auto order = static_cast<std::size_t>(options.order);
-    Values matrix(parameters.size() * columns);
-    double basis[20];
-    double* row = matrix.data();
-    for (const double t : parameters) {
-        const std::int32_t span = FindKnotSpan(options.order, options.count, knots, t);
-        EvaluateBasis(t, options.order, knots + span, basis, nullptr, nullptr);
-        // The last control points of a periodic curve are the first ones again. When those are
-        // fewer than the order, several values meet in a column.
-        std::size_t column = static_cast<std::size_t>(span - options.order) % columns;
-        for (std::size_t r = 0; r < order; ++r) {
-            row[column] += basis[r];
-            column = column + 1 == columns ? 0 : column + 1;
+public:
+    System(const FitOptions& options, const double* knots, const Values& parameters)
+        : _columns(static_cast<std::size_t>(options.FreeCount())),
+          _order(static_cast<std::size_t>(options.order)),
+          _basis(parameters.size() * _order),
+          _firsts(parameters.size())
+    {
+        double* row = _basis.data();
+        for (std::size_t i = 0; i < parameters.size(); ++i, row += _order) {
+            const std::int32_t span =
+                FindKnotSpan(options.order, options.count, knots, parameters[i]);
+            EvaluateBasis(parameters[i], options.order, knots + span, row, nullptr, nullptr);
+            _firsts[i] = static_cast<std::uint32_t>(span - options.order) %
+                         static_cast<std::uint32_t>(_columns);
         }
-        row += columns;
     }
-    return matrix;
-}
 
-// One least-squares system for three coordinates.
-struct System
-{
-    std::size_t rows;
-    std::size_t columns;
-    Values matrix;
+    [[nodiscard]] std::size_t Columns() const
+    {
+        return _columns;
+    }
 
-    // Replaces the right-hand sides by the solution, in its first rows.
+    // Replaces the right-hand sides, x, y and z of each point, by the solution, in its first rows.
     [[nodiscard]] bool Solve(Values& right) const
     {
-        return Norvek::Math::Core::SolveDenseLeastSquares({rows, columns, matrix.data()},
-                                                          {rows, 3, right.data()});
+        return Norvek::Math::Core::SolveLeastSquaresOfRuns(
+            {_firsts.size(), _columns, _order, _basis.data(), _firsts.data()},
+            {_firsts.size(), 3, right.data()});
     }
 
     // The points of the curve with these control points at all parameters.
     [[nodiscard]] Values Evaluate(const Values& solution) const
     {
-        Values result(3 * rows);
-        for (std::size_t i = 0; i < rows; ++i) {
-            for (std::size_t j = 0; j < columns; ++j) {
-                const double basis = matrix[i * columns + j];
-                for (std::size_t c = 0; basis != 0.0 && c < 3; ++c)
-                    result[3 * i + c] += basis * solution[3 * j + c];
+        Values points(3 * _firsts.size());
+        for (std::size_t i = 0; i < _firsts.size(); ++i) {
+            for (std::size_t r = 0; r < _order; ++r) {
+                const double* const from = solution.data() + 3 * ((_firsts[i] + r) % _columns);
+                for (std::size_t c = 0; c < 3; ++c)
+                    points[3 * i + c] += _basis[i * _order + r] * from[c];
             }
         }
-        return result;
+        return points;
     }
+
+private:
+    std::size_t _columns;
+    std::size_t _order;
+    Values _basis;
+    std::vector<std::uint32_t> _firsts;
 };
 
 // The largest difference between a coordinate and that of the first point.
@@ -161,7 +169,7 @@ double Reach(const double* coordinates, std::size_t count, const double* origin)
 bool IsAccurate(const System& system, const Points& points, const Values& solution)
 {
     const double bound = kAccuracy * Reach(points.coordinates, points.count, points.coordinates);
-    if (Reach(solution.data(), system.columns, points.coordinates) * kSolverRounding <= bound)
+    if (Reach(solution.data(), system.Columns(), points.coordinates) * kSolverRounding <= bound)
         return true;
     Values lacking = system.Evaluate(solution);
     for (std::size_t i = 0; i < lacking.size(); ++i)
@@ -176,13 +184,13 @@ bool IsAccurate(const System& system, const Points& points, const Values& soluti
 bool Fit(const FitOptions& options, const Points& points, const Values& parameters,
          const NURBSCurv& curve)
 {
-    const auto columns = static_cast<std::size_t>(options.FreeCount());
-    const System system{points.count, columns, CollocationMatrix(options, curve.knots, parameters)};
+    const System system(options, curve.knots, parameters);
     Values solution(points.coordinates, points.coordinates + 3 * points.count);
     if (!system.Solve(solution) || !IsAccurate(system, points, solution))
         return false;
     for (std::size_t j = 0; j < static_cast<std::size_t>(options.count); ++j)
-        std::copy_n(solution.data() + 3 * (j % columns), 3, curve.controlPoints[j].coordinates);
+        std::copy_n(solution.data() + 3 * (j % system.Columns()), 3,
+                    curve.controlPoints[j].coordinates);
     return true;
 }
 

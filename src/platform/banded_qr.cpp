@@ -121,7 +121,7 @@ bool BandedQR::Factorise(const double* factors, const double* rightFactors)
     std::size_t begin = 0;
     while (begin < _system.rows) {
         std::size_t end = begin;
-        if (!_TakeRows(end))
+        if (!(_runs.values != nullptr ? _TakeRuns(end) : _TakeRows(end)))
             return false;
         if (end > begin)
             _Fold(begin, end, factors, rightFactors);
@@ -162,10 +162,42 @@ bool BandedQR::_TakeRows(std::size_t& i) const
     return true;
 }
 
+// The same for a matrix of runs. False also when a run passes the last column.
+bool BandedQR::_TakeRuns(std::size_t& i) const
+{
+    const std::size_t limit = std::min(_runs.rows, i + kBlockRows);
+    for (; i < limit; ++i) {
+        const std::size_t first = _runs.firsts[i];
+        if (first + _runs.width > _end)
+            return first >= _first && first + _runs.width <= _runs.columns;
+        if (first < _first)
+            return false;
+    }
+    return true;
+}
+
 // Widens the window for row i, which has a nonzero value right of it, and lets go of the columns
 // that the row no longer needs. False when the window is not short any more.
 bool BandedQR::_WidenWindow(std::size_t i)
 {
+    _OpenWindow(i);
+    const std::size_t n = _system.columns;
+    const std::size_t length = _end - _first;
+    if (length == n || (length > kShortWindow && length > n / 2))
+        return false;
+    if (length > _reach)
+        _Reach(length);
+    return true;
+}
+
+// Moves the window's ends to those of row i.
+void BandedQR::_OpenWindow(std::size_t i)
+{
+    if (_runs.values != nullptr) {
+        _first = _runs.firsts[i];
+        _end = _first + _runs.width;
+        return;
+    }
     const double* const row = _Row(i);
     const std::size_t n = _system.columns;
     while (!IsNonzero(row[_first]))
@@ -179,12 +211,6 @@ bool BandedQR::_WidenWindow(std::size_t i)
             end = last;
     }
     _end = end;
-    const std::size_t length = _end - _first;
-    if (length == n || (length > kShortWindow && length > n / 2))
-        return false;
-    if (length > _reach)
-        _Reach(length);
-    return true;
 }
 
 // Makes room for rows of R of this length.
@@ -231,12 +257,16 @@ std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* fa
     const std::size_t rows = end - begin;
     const std::size_t paddedRows = (rows + kLanes - 1) / kLanes * kLanes;
     double* to = _block.data();
+    if (_runs.values != nullptr) {
+        _LoadRuns(begin, end, factors);
+        to += (_end - _first) * kColumnRoom;
+    }
     const auto load = [&](const double* from, std::size_t stride, double factor) {
         Gather(from, stride, factor, to, rows);
         std::fill(to + rows, to + paddedRows, 0.0);
         to += kColumnRoom;
     };
-    for (std::size_t j = _first; j < _end; ++j) {
+    for (std::size_t j = _first; _runs.values == nullptr && j < _end; ++j) {
         _FetchAhead(end + (j - _first), std::min(end + rows, _system.rows), _end - _first);
         load(_Row(begin) + j, _system.columns, factors == nullptr ? 1.0 : factors[j]);
     }
@@ -244,6 +274,19 @@ std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* fa
         load(_right.values + begin * _right.columns + c, _right.columns,
              rightFactors == nullptr ? 1.0 : rightFactors[c]);
     return paddedRows;
+}
+
+void BandedQR::_LoadRuns(std::size_t begin, std::size_t end, const double* factors)
+{
+    const std::size_t paddedRows = (end - begin + kLanes - 1) / kLanes * kLanes;
+    for (std::size_t j = 0; j < _end - _first; ++j)
+        std::fill_n(_block.data() + j * kColumnRoom, paddedRows, 0.0);
+    const double* run = _runs.values + begin * _runs.width;
+    for (std::size_t i = begin; i < end; ++i, run += _runs.width) {
+        double* to = _block.data() + (_runs.firsts[i] - _first) * kColumnRoom + (i - begin);
+        for (std::size_t r = 0; r < _runs.width; ++r, to += kColumnRoom)
+            *to = run[r] * (factors == nullptr ? 1.0 : factors[_runs.firsts[i] + r]);
+    }
 }
 
 // Reflects column k of the block into the diagonal r of R's row: v = (r - beta, block column), with

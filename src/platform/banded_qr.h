@@ -27,6 +27,13 @@ public:
           _right(rightHandSides)
     {}
 
+    /// For a matrix of runs, which tell where the nonzero values are.
+    BandedQR(const ConstRunsView& system, const MatrixView& rightHandSides)
+        : _system{system.rows, system.columns, nullptr},
+          _runs(system),
+          _right(rightHandSides)
+    {}
+
     /// Factorises A with column j multiplied by `factors[j]`, and b with column c multiplied by
     /// `rightFactors[c]`; without factors as they are.
     ///
@@ -56,16 +63,21 @@ private:
     }
 
     [[nodiscard]] bool _TakeRows(std::size_t& i) const;
+    [[nodiscard]] bool _TakeRuns(std::size_t& i) const;
+    void _OpenWindow(std::size_t i);
     [[nodiscard]] bool _WidenWindow(std::size_t i);
     void _Reach(std::size_t reach);
     void _Fold(std::size_t begin, std::size_t end, const double* factors,
                const double* rightFactors);
     std::size_t _Load(std::size_t begin, std::size_t end, const double* factors,
                       const double* rightFactors);
+    void _LoadRuns(std::size_t begin, std::size_t end, const double* factors);
     void _FetchAhead(std::size_t begin, std::size_t end, std::size_t step) const;
     void _Reflect(std::size_t k, std::size_t columns, std::size_t paddedRows);
 
+    // A as a dense matrix; without values when it is one of runs.
     ConstMatrixView _system;
+    ConstRunsView _runs;
     MatrixView _right;
     // The window: columns _first .. _end - 1.
     std::size_t _first = 0;

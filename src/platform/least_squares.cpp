@@ -49,6 +49,24 @@ std::optional<Exponents> ColumnExponents(const ConstMatrixView& matrix)
     return exponents;
 }
 
+Values Dense(const ConstRunsView& runs)
+{
+    Values values(runs.rows * runs.columns);
+    for (std::size_t i = 0; i < runs.rows; ++i) {
+        std::size_t column = runs.firsts[i];
+        for (std::size_t r = 0; r < runs.width; ++r) {
+            values[i * runs.columns + column] += runs.values[i * runs.width + r];
+            column = column + 1 == runs.columns ? 0 : column + 1;
+        }
+    }
+    return values;
+}
+
+std::optional<Exponents> ColumnExponents(const ConstRunsView& runs)
+{
+    return ColumnExponents({runs.rows, runs.columns, Dense(runs).data()});
+}
+
 Values Factors(const Exponents& exponents)
 {
     Values factors;
@@ -57,7 +75,8 @@ Values Factors(const Exponents& exponents)
     return factors;
 }
 
-bool AreShapesSolvable(const ConstMatrixView& system, const MatrixView& right)
+template <class System>
+bool AreShapesSolvable(const System& system, const MatrixView& right)
 {
     return system.columns > 0 && system.rows >= system.columns && right.columns > 0 &&
            right.rows == system.rows && system.values != nullptr && right.values != nullptr;
@@ -147,7 +166,8 @@ enum class Outcome
 
 // Hardly any system needs scaling, and to look for the largest values would take as long as the
 // factorisation of a narrow one: it is tried without, and repeated when the result says so.
-Outcome SolveBanded(const ConstMatrixView& system, const MatrixView& right)
+template <class System>
+Outcome SolveBanded(const System& system, const MatrixView& right)
 {
     const std::size_t n = system.columns;
     BandedQR qr(system, right);
@@ -202,22 +222,35 @@ bool SolvePivoted(const ConstMatrixView& system, const MatrixView& right)
     return Deliver(reduced, right);
 }
 
+// `solveFull` is asked when A is not banded.
+template <class System, class SolveFull>
+bool Solve(const System& system, const MatrixView& right, const SolveFull& solveFull)
+{
+    if (!AreShapesSolvable(system, right) || !AreFinite(right.values, right.rows * right.columns))
+        return false;
+    try {
+        const Outcome outcome = SolveBanded(system, right);
+        return outcome == Outcome::NotBanded ? solveFull() : outcome == Outcome::Solved;
+    } catch (const std::exception&) {
+        // No memory, or a size beyond what a vector holds.
+        return false;
+    }
+}
+
 } // namespace
 
 bool SolveDenseLeastSquares(const ConstMatrixView& system,
                             const MatrixView& rightHandSides) noexcept
 {
-    if (!AreShapesSolvable(system, rightHandSides) ||
-        !AreFinite(rightHandSides.values, rightHandSides.rows * rightHandSides.columns))
-        return false;
-    try {
-        const Outcome outcome = SolveBanded(system, rightHandSides);
-        return outcome == Outcome::NotBanded ? SolvePivoted(system, rightHandSides)
-                                             : outcome == Outcome::Solved;
-    } catch (const std::exception&) {
-        // No memory, or a size beyond what a vector holds.
-        return false;
-    }
+    return Solve(system, rightHandSides, [&] { return SolvePivoted(system, rightHandSides); });
+}
+
+bool SolveLeastSquaresOfRuns(const ConstRunsView& system, const MatrixView& rightHandSides) noexcept
+{
+    return system.firsts != nullptr && Solve(system, rightHandSides, [&] {
+               const Values dense = Dense(system);
+               return SolvePivoted({system.rows, system.columns, dense.data()}, rightHandSides);
+           });
 }
 
 } // namespace Norvek::Math::Core

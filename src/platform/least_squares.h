@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 
 namespace Norvek::Math::Core
 {
@@ -19,6 +20,18 @@ struct MatrixView
     std::size_t rows = 0;
     std::size_t columns = 0;
     double* values = nullptr;
+};
+
+/// A matrix of runs to read: row i has `width` values, from column `firsts[i]` on, and zeros
+/// elsewhere. A run that passes the last column goes on at the first; values that meet in a column
+/// add up. The runs stand one after the other without gaps. Every first column is below `columns`.
+struct ConstRunsView
+{
+    std::size_t rows = 0;
+    std::size_t columns = 0;
+    std::size_t width = 0;
+    const double* values = nullptr;
+    const std::uint32_t* firsts = nullptr;
 };
 
 /// Minimises |A x - b| for every column b of `rightHandSides`; A is `system`, m x n with m >= n.
@@ -48,5 +61,10 @@ struct MatrixView
 /// Clang, -O0 and -O3, with and without wider vectors give the same. Never throws.
 [[nodiscard]] bool SolveDenseLeastSquares(const ConstMatrixView& system,
                                           const MatrixView& rightHandSides) noexcept;
+
+/// The same for a matrix of runs. Where they advance it is solved in O(rows * width^2) and takes no
+/// memory for the zeros; otherwise it is handed on as a dense matrix.
+[[nodiscard]] bool SolveLeastSquaresOfRuns(const ConstRunsView& system,
+                                           const MatrixView& rightHandSides) noexcept;
 
 } // namespace Norvek::Math::Core
