@@ -25,6 +25,7 @@ int main(int argc, char**)
         {"locators", HashLocators},
         {"registrations", HashRegistrations},
         {"borders", HashBorders},
+        {"poly-planes", HashPolyPlanes},
         {"general matrices", HashGeneralMatrices},
         {"symmetric matrices", HashSymmetricMatrices},
         {"fixed matrices", HashFixedMatrices},

@@ -5,6 +5,7 @@
 #include <norvek/bounds/axes_binded.h>
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/bounds/bounding_box_nd.h>
+#include <norvek/polyplane/poly_plane_sectors.h>
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane_equation.h>
@@ -252,6 +253,31 @@ std::uint64_t HashBorders(Numbers numbers)
             const double x = numbers.Next(5.0);
             hash.Add(int{merged.CalculatePosition(x, numbers.Next(5.0))});
         }
+    }
+    return hash.Value();
+}
+
+// Outlines that grow, with questions at every point.
+std::uint64_t HashPolyPlanes(Numbers numbers)
+{
+    Hash hash;
+    for (int i = 0; i < kRounds / 10; ++i) {
+        MPolyPlaneSectors plane;
+        plane.SetZeroPlane(numbers.Point(3.0), numbers.Point(3.0));
+        for (unsigned short k = 0; k < 20; ++k) {
+            const auto p = numbers.Points<4>(5.0);
+            bool found[2]{};
+            double s = 0.0;
+            plane.AddPoint(p[0]);
+            hash.Add(plane.IsInside(p[1]));
+            hash.Add(plane.TriangleIntersects(p[1], p[2], p[3]));
+            hash.Add(plane.SeekPositionAlongDescribingPolyline(p[1], found[0], found[1], s));
+            hash.Add(plane.GetPointInPolyPlane(p[2].x, p[2].y, 1.0, 2.0, k, s));
+            hash.Add(plane.DistanceBetweenPointsAlongDerivedPolyline(p[2], p[3], s));
+            hash.Add(plane.DistanceToPolyPlane(p[3]));
+            hash.Add(plane.GetVectorToBottom(p[2].z));
+        }
+        hash.Add(plane.GetFocalPoint(3));
     }
     return hash.Value();
 }

@@ -110,6 +110,7 @@ std::uint64_t HashBoxes(Numbers numbers);
 std::uint64_t HashLocators(Numbers numbers);
 std::uint64_t HashRegistrations(Numbers numbers);
 std::uint64_t HashBorders(Numbers numbers);
+std::uint64_t HashPolyPlanes(Numbers numbers);
 std::uint64_t HashGeneralMatrices(Numbers numbers);
 std::uint64_t HashSymmetricMatrices(Numbers numbers);
 std::uint64_t HashFixedMatrices(Numbers numbers);

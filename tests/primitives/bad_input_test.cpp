@@ -2,6 +2,9 @@
 
 #include <norvek/bounds/axes_binded.h>
 #include <norvek/bounds/bounding_box.h>
+#include <norvek/polyplane/poly_plane_exception.h>
+#include <norvek/polyplane/poly_plane_prism.h>
+#include <norvek/polyplane/poly_plane_sectors.h>
 #include <norvek/primitives/line.h>
 #include <norvek/primitives/line2d.h>
 #include <norvek/primitives/plane.h>
@@ -17,6 +20,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -218,6 +222,34 @@ TEST(BadInput, EveryFitReturns)
         MRegistered3DPointsTree tree;
         EXPECT_TRUE(tree.Build(costs, {4, 4, matrix}, {4, matrix}));
         tree.UpdateWcsTransforms();
+    }
+}
+
+TEST(BadInput, EveryPolyPlaneReturns)
+{
+    const Anything n;
+    const auto run = [](const auto&... /*results*/) {
+    };
+    for (int i = 0; i < 60000; ++i) {
+        auto* const p = new MPolyPlaneSectors;
+        const MPolyPlanePrism prism(p);
+        const auto k = static_cast<unsigned short>(i % 12);
+        bool flag = true;
+        bool found = true;
+        p->SetZeroPlane(i % 2 == 0 ? Point(0, 0, 1) : Point(n), n);
+        for (int added = 0; added < i % 9; ++added)
+            p->AddPoint(added % 2 == 0 ? n.random.Point(5.0) : Point(n));
+        run(p->GetPlane(k), p->GetPointOnDescribingPolyline(k), prism.IsInside(n),
+            p->GetVectorToBottom(k), p->GetVectorToBottom(double{n}), p->GetSubDividingPlane(k),
+            p->TriangleIntersects(n, n, n), p->DistanceToPlaneSegment(n, k, flag),
+            p->GetLineThroughFocalAtPositionAlongDescribingPolyline(n),
+            p->GetPointInPolyPlane(n, n, n, n, k, n), p->DistanceToPolyPlane(n),
+            p->DistanceBetweenPointsAlongDerivedPolyline(n, n, n));
+        EXPECT_LE(int{p->SeekSector(n, found, flag)}, std::max(0, p->GetLastSegment()));
+        try {
+            run(p->GetFocalPoint(k));
+        } catch (const MPolyPlaneException&) {
+        }
     }
 }
 
