@@ -37,6 +37,7 @@ constexpr std::array<std::array<double, 3>, 6> kPoints{{{0.4, 0.5, 2.0},
                                                         {3.2, 4.9, 3.8},
                                                         {0.8, 4.1, 2.4}}};
 constexpr double kBottom = 0.6;
+constexpr unsigned short kCount = kPoints.size();
 
 MPolyPlaneSectors MakeOutline()
 {
@@ -115,10 +116,9 @@ private:
 
 std::vector<Point> Derived(const MPolyPlaneSectors& plane, double displacement)
 {
-    std::vector<Point> points;
-    for (int i = 0; i < plane.GetNumSegments(); ++i)
-        points.push_back(
-            plane.GetPointOnDerivedPolyline(static_cast<unsigned short>(i), displacement));
+    std::vector<Point> points(kCount);
+    for (unsigned short i = 0; i < kCount; ++i)
+        points[i] = plane.GetPointOnDerivedPolyline(i, displacement);
     return points;
 }
 
@@ -132,7 +132,7 @@ void DrawOutline(Panel panel, MPolyPlaneSectors& plane)
         if (k % 5 == 0)
             panel.Label(p - n * 3.4, std::to_string(k));
     }
-    for (unsigned short i = 0; i < plane.GetNumSegments(); ++i) {
+    for (unsigned short i = 0; i < kCount; ++i) {
         const Point p = plane.GetPoint(i);
         const Point e = plane.GetPointOnDescribingPolyline(static_cast<unsigned short>(i + 1)) - p;
         panel.Arrow(p + e * 0.5, p + e * 0.5 + plane.GetNormal(i) * 0.55, kBlue);
@@ -180,7 +180,7 @@ void DrawCrossings(Panel panel, MPolyPlaneSectors& plane)
 void DrawSectors(Panel panel, MPolyPlaneSectors& plane)
 {
     const double low = plane.GetNegDisplacement();
-    for (unsigned short i = 0; i < plane.GetNumSectors(); ++i) {
+    for (unsigned short i = 0; i < kCount; ++i) {
         panel.Line(plane.GetPointOnDerivedPolyline(i, 0.6), plane.GetPointOnDerivedPolyline(i, low),
                    kThin);
         const double focal = plane.GetPlane(i).Distance(plane.GetFocalPoint(i));
@@ -218,7 +218,7 @@ void DrawHeights(Panel panel, MPolyPlaneSectors& plane)
     const double length = plane.GetLengthOfDescribingPolyline();
     const double shrink = 6.6 / length;
     std::vector<Point> rim;
-    for (unsigned short i = 0; i <= plane.GetNumSegments(); ++i) {
+    for (unsigned short i = 0; i <= kCount; ++i) {
         const double at = i == 0 ? 0.0
                                  : plane.GetCumulativeLengthToEndOfDescribingSegment(
                                        static_cast<unsigned short>(i - 1));

@@ -23,10 +23,11 @@ TEST(PolyPlaneSectors, BoundsFollowTheNearestFocalPointsAtEveryPoint)
         const Base base(random, round, 3.0);
         const Corners corners = Star(random, 4 + round % 20, 0.4);
         MPolyPlaneSectors plane;
-        for (std::size_t k = 3; k <= corners.size(); ++k) {
+        const auto count = static_cast<unsigned short>(corners.size());
+        for (unsigned short k = 3; k <= count; ++k) {
             plane.Clear();
             EXPECT_TRUE(plane.GetPosDisplacement() == kLargest);
-            Fill(plane, base, {corners.begin(), corners.begin() + static_cast<int>(k)});
+            Fill(plane, base, {corners.begin(), corners.begin() + k});
             double low = -kLargest;
             double high = kLargest;
             for (unsigned short i = 0; i < k; ++i) {
@@ -38,7 +39,7 @@ TEST(PolyPlaneSectors, BoundsFollowTheNearestFocalPointsAtEveryPoint)
         }
         const double s = random.Uniform(-0.1, 0.1);
         double sum = 0;
-        for (unsigned short i = 0; i < corners.size(); ++i) {
+        for (unsigned short i = 0; i < count; ++i) {
             const Point p = plane.GetPointOnDerivedPolyline(i, s);
             const Point q = plane.GetPointOnDerivedPolyline(i + 1, s);
             EXPECT_NEAR(plane.GetPlane(i).Distance(p), s, 1e-12);
@@ -133,9 +134,10 @@ TEST(PolyPlaneSectors, DegenerateOutlinesAnswer)
     EXPECT_TRUE(seek(1, 7) == 7 && s == 7);
     // A square with a point in the middle of each side, all twice.
     plane.Clear();
-    constexpr int corners[][2] = {{0, 0}, {2, 0}, {4, 0}, {4, 2}, {4, 4}, {2, 4}, {0, 4}, {0, 2}};
-    for (int i = 0; i < 16; ++i)
-        plane.AddPoint(Point(corners[i / 2][0], corners[i / 2][1], 0));
+    for (const auto& [x, y] :
+         {std::pair{0, 0}, {2, 0}, {4, 0}, {4, 2}, {4, 4}, {2, 4}, {0, 4}, {0, 2}})
+        for (int i = 0; i < 2; ++i)
+            plane.AddPoint(Point(x, y, 0));
     EXPECT_EQ(plane.GetNegDisplacement(), -2);
     EXPECT_EQ(plane.GetSubDividingPlane(2), MMPlaneEq<double>(1, 0, 0, -2));
     EXPECT_THROW((void)plane.GetFocalPoint(2), MPolyPlaneException);

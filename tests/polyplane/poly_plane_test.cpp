@@ -155,7 +155,8 @@ TEST(PolyPlane, PositionsAreArcLengths)
         MPolyPlane plane;
         Fill(plane, Base(random, round, 5.0), corners);
         double sum = 0;
-        for (unsigned short i = 0; i < corners.size(); ++i) {
+        const auto count = static_cast<unsigned short>(plane.GetNumSegments());
+        for (unsigned short i = 0; i < count; ++i) {
             const Point p = plane.GetPoint(i);
             const Point e = plane.GetPointOnDescribingPolyline(i + 1) - p;
             const double share = random.Uniform(0.01, 0.99);
