@@ -1,3 +1,4 @@
+#include "border/border_regions.h"
 #include "border/ring_geometry.h"
 
 #include <norvek/border/border.h>
@@ -227,6 +228,143 @@ double M3dBorder<Coord, Payload, Contour>::CircumferenceXY() const
     for (const Contour& contour : *this)
         length += contour.CircumferenceXY();
     return length;
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::CalculateOrderOfContours()
+{
+    const auto nesting =
+        Norvek::Math::Core::FindNesting(Norvek::Math::Core::CollectRings(*this).rings);
+    auto order = nesting.orders.begin();
+    for (Contour& contour : *this)
+        contour.SetOrder(Norvek::Math::Core::ClampedOrder(*order++));
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::DetermineOuterContours()
+{
+    CalculateOrderOfContours();
+    for (Contour& contour : *this)
+        contour.SetIsOuterContour(contour.GetOrder() % 2 == 0);
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::MergeToOnlyOuterContours()
+{
+    DetermineOuterContours();
+    _SortContours();
+    _JoinHoles();
+}
+
+// Edges that cross leave the exact way closed: the holes are made part of their outer contours and
+// corners cut off those.
+template <class Coord, class Payload, class Contour>
+bool M3dBorder<Coord, Payload, Contour>::FillWithTriangles(std::int32_t& count,
+                                                           std::vector<Payload>& payloads) const
+{
+    using namespace Norvek::Math::Core;
+    const auto collected = CollectRings(*this);
+    std::vector<IndexTriangle> triangles;
+    const bool isExact = Triangulate(collected.rings, triangles);
+    if (isExact) {
+        collected.Fill(triangles, payloads);
+    } else {
+        M3dBorder merged(*this);
+        const Nesting nesting =
+            FindNestingOfCrossing(collected.rings, CrossingRule::WhenMostPointsDo);
+        auto order = nesting.orders.begin();
+        for (Contour& contour : merged)
+            contour.SetIsOuterContour(*order++ % 2 == 0);
+        merged._SortContours(SortedPositions(merged, nesting));
+        merged.AdjustTurningSenseToOuterContourParameter();
+        merged._JoinHoles();
+        const auto outlines = CollectRings(merged);
+        triangles = ClipContours(outlines);
+        outlines.Fill(triangles, payloads);
+    }
+    count = static_cast<std::int32_t>(triangles.size());
+    return isExact;
+}
+
+template <class Coord, class Payload, class Contour>
+bool M3dBorder<Coord, Payload, Contour>::IntersectsWithConnection(const PointType* p,
+                                                                  const PointType* q) const
+{
+    const auto from = Norvek::Math::Core::PlaceOf(*p);
+    const auto to = Norvek::Math::Core::PlaceOf(*q);
+    return std::any_of(begin(), end(), [&](const Contour& contour) {
+        return Norvek::Math::Core::DoesConnectionMeetContour(from, to, contour);
+    });
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::DetermineIntersectionValues(
+    bool withOthers, bool withItself, std::vector<std::vector<MIntersectionValue>>& values) const
+{
+    const auto collected = Norvek::Math::Core::CollectRings(*this);
+    std::vector<Norvek::Math::Core::EdgeTree> trees;
+    trees.reserve(_numContours);
+    for (const Contour& contour : *this)
+        trees.emplace_back(collected.rings.Ring(trees.size()), contour.GetIsClosed());
+    values = Norvek::Math::Core::FindCrossings(trees, {withOthers, withItself});
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::_SortContours()
+{
+    using namespace Norvek::Math::Core;
+    _SortContours(SortedPositions(*this, FindNesting(CollectRings(*this).rings)));
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::_SortContours(const std::vector<std::size_t>& positions)
+{
+    std::vector<std::unique_ptr<Contour>> contours;
+    contours.reserve(_numContours);
+    while (_firstContour != nullptr)
+        contours.push_back(RemoveFirstContour());
+    for (const std::size_t position : positions)
+        AddContourAtEnd(contours[position].release());
+}
+
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::_JoinHoles()
+{
+    using namespace Norvek::Math::Core;
+    for (Contour* outer = _firstContour; outer != nullptr; outer = outer->GetNextContour()) {
+        std::vector<Contour*> holes;
+        for (Contour* hole = outer->GetNextContour(); hole != nullptr && !hole->GetIsOuterContour();
+             hole = hole->GetNextContour())
+            holes.push_back(hole);
+        // From left to right: the left end of each hole then sees the outer contour, or a hole that
+        // is part of it already.
+        std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
+            return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
+        });
+        for (Contour* const hole : holes) {
+            if (!_TryToConnectContours(outer, hole))
+                outer->ConnectWith(outer->GetFirstPoint(), hole);
+            RemoveContour(hole);
+        }
+    }
+}
+
+template <class Coord, class Payload, class Contour>
+bool M3dBorder<Coord, Payload, Contour>::_TryToConnectContours(Contour* outer, Contour* hole)
+{
+    if (outer->GetFirstPoint() == nullptr || hole->GetFirstPoint() == nullptr)
+        return false;
+    auto* const leftmost = Norvek::Math::Core::LeftmostPoint(*hole);
+    auto heap = Norvek::Math::Core::HeapByDistance(*outer, *leftmost);
+    for (; !heap.empty(); heap.pop_back()) {
+        std::pop_heap(heap.begin(), heap.end(), std::greater<>());
+        if (!IntersectsWithConnection(leftmost, heap.back().second)) {
+            hole->SetFirstPointAt(leftmost);
+            outer->ConnectWith(heap.back().second, hole);
+            return true;
+        }
+    }
+    return false;
 }
 
 template <class Coord, class Payload, class Contour>

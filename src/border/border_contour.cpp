@@ -1,3 +1,4 @@
+#include "border/border_regions.h"
 #include "border/ring_geometry.h"
 
 #include <norvek/border/border_contour.h>
@@ -242,6 +243,22 @@ void M3dBorderContourBase<Coord, Payload, Point, Contour>::_CopyFlags(
     _isOuterContour = other._isOuterContour;
     _order = other._order;
     _status = other._status;
+}
+
+template <class Coord, class Payload, class Point, class Contour>
+bool M3dBorderContourBase<Coord, Payload, Point, Contour>::FillWithTriangles(
+    std::int32_t& count, std::vector<Payload>& payloads) const
+{
+    Norvek::Math::Core::CollectedRings<Point> collected;
+    collected.Add(*this);
+    collected.rings.BringIntoRange();
+    std::vector<Norvek::Math::Core::IndexTriangle> triangles;
+    const bool isExact = Norvek::Math::Core::Triangulate(collected.rings, triangles);
+    if (!isExact)
+        triangles = Norvek::Math::Core::ClipContours(collected);
+    collected.Fill(triangles, payloads);
+    count = static_cast<std::int32_t>(triangles.size());
+    return isExact;
 }
 
 template class M3dBorderContourBase<std::int32_t, void*, M3dBorderPoint<std::int32_t, void*>,

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <norvek/border/border_contour.h>
+#include <norvek/border/intersection_value.h>
 
 #include <boost/range/iterator_range.hpp>
 
 #include <memory>
+#include <vector>
 
 /// A border: a planar outline or cross-section made of contours, outer ones and holes.
 ///
@@ -103,6 +105,28 @@ public:
     /// degenerate inner contour is inverted, a degenerate outer one is not.
     void AdjustTurningSenseToOuterContourParameter();
 
+    /// Sets every contour's order: the number of contours that it lies in. A contour lies in
+    /// another one when the region within it does (even-odd, as for positions); contours that
+    /// merely touch, at points or along edges, do not lie in each other. Of two contours around the
+    /// same region the later lies in the earlier. Contours that cross do not lie in each other.
+    /// From 254 on only even (254) and odd (255) are told apart. Contours with coordinates that are
+    /// not finite lie in nothing.
+    ///
+    /// O(n log n) in the points; where contours cross, proportional to the pairs of contours whose
+    /// boxes hold each other and to their points.
+    void CalculateOrderOfContours();
+
+    /// Calculates the orders and makes outer contours of those whose order is even. Turning senses
+    /// stay as they are, see `AdjustTurningSenseToOuterContourParameter`.
+    void DetermineOuterContours();
+
+    /// Joins every hole to the outer contour around it by a bridge that is walked there and back,
+    /// between vertices whose connection meets nothing else, so that only outer contours are left.
+    /// The sum of the signed areas stays. Outer flags and orders are determined first; the outer
+    /// contours come in descending order of area. Where contours cross and no such vertices are
+    /// left, the bridge crosses edges.
+    void MergeToOnlyOuterContours();
+
     /// The contours from the first to the last.
     boost::iterator_range<iterator> Contours()
     {
@@ -186,7 +210,47 @@ public:
     /// The sum of the contours' circumferences.
     [[nodiscard]] double CircumferenceXY() const;
 
+    /// Triangulates the region: what lies in an odd number of contours. `payloads` is replaced by
+    /// three payloads for each of `count` triangles, counter-clockwise with y upwards. Contours may
+    /// touch themselves and each other, at points and along edges; points may repeat and lie in
+    /// rows; turning senses and flags do not matter. Of points at one place the payload of the
+    /// first is taken.
+    ///
+    /// True when the triangles cover the region exactly: decisions are exact for coordinates from
+    /// 1e-120 to 1e120 in size. False when edges cross: no triangles between the points cover that
+    /// region, and those given are cut off the merged contours one by one, so that their areas add
+    /// up to that of the outer contours less the holes as long as the crossings are small. A
+    /// contour that crosses another one is a hole in it when most of its points lie inside. An
+    /// empty region gives true and no triangles; contours with coordinates that are not finite are
+    /// left out. O(n log n) in the points, up to quadratic when edges cross.
+    bool FillWithTriangles(std::int32_t& count, std::vector<Payload>& payloads) const;
+
+    /// Whether the connection from `p` to `q` meets an edge of any contour: whether the open
+    /// segment between them has a place in common with an edge. Its own ends do not count, wherever
+    /// on the border they lie. The edge that closes an open contour does not count. Linear in the
+    /// points.
+    bool IntersectsWithConnection(const PointType* p, const PointType* q) const;
+
+    /// Lists for every contour, in the order of the border, where it meets the other contours and
+    /// where it meets itself, as asked, in running order. `values` is replaced. Each meeting stands
+    /// in the lists of both contours, of a contour with itself twice in its list. Crossings of
+    /// edges count, and vertices on other edges or vertices, once each; along edges that coincide
+    /// these are the ends of what they share. Neighbouring edges do not meet at the vertex between
+    /// them. The edge that closes an open contour does not count; contours with coordinates that
+    /// are not finite meet nothing.
+    void DetermineIntersectionValues(bool withOthers, bool withItself,
+                                     std::vector<std::vector<MIntersectionValue>>& values) const;
+
 protected:
+    /// Puts the contours in order: outer ones by descending area, each followed by the holes in it
+    /// by descending area; equal ones stay as they stand. What is outer is found out anew.
+    void _SortContours();
+
+    /// Joins `hole` to `outer` at the leftmost point of `hole` and the nearest point of `outer` so
+    /// that the connection meets no edge of this border, see `ConnectWith`; `hole` stays. False,
+    /// with nothing changed, when there is no such point.
+    bool _TryToConnectContours(Contour* outer, Contour* hole);
+
     /// A new empty contour that shares the border's pool; the caller owns it. A derived border may
     /// create contours of a derived class here.
     virtual Contour* _CreateNewContour();
@@ -195,6 +259,12 @@ protected:
     [[nodiscard]] PoolPointer _GetPool() const;
 
 private:
+    // Puts the contours in the order of the positions; each stands there once.
+    void _SortContours(const std::vector<std::size_t>& positions);
+
+    // Makes every hole part of the outer contour that stands before it.
+    void _JoinHoles();
+
     Contour* _firstContour = nullptr;
     Contour* _lastContour = nullptr;
     std::uint32_t _numContours = 0;

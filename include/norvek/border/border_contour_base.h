@@ -7,6 +7,7 @@
 #include <boost/smart_ptr/make_shared.hpp>
 
 #include <utility>
+#include <vector>
 
 template <class Coord, class Payload, class Contour>
 class M3dBorder;
@@ -329,6 +330,9 @@ public:
     /// The sum of the edge lengths in the XY plane; the closing edge counts for a closed contour
     /// only.
     [[nodiscard]] double CircumferenceXY() const;
+
+    /// Triangulates what lies within this contour, see `M3dBorder::FillWithTriangles`.
+    bool FillWithTriangles(std::int32_t& count, std::vector<Payload>& payloads) const;
 
 protected:
     /// A new record of the pool, in no ring.
