@@ -123,21 +123,30 @@ public:
         return q.x * p.y - q.y * p.x;
     }
 
-    // No other corner of the ring lies in the triangle of this one; corners at the same places as
-    // its ends do not count.
-    [[nodiscard]] bool IsFree(std::uint32_t corner, const PlaceGrid& grid) const
+    // No other corner of the ring lies in the triangle of this one, corners at the same places as
+    // its ends aside, and the cut crosses no edge that is still there.
+    [[nodiscard]] bool IsFree(std::uint32_t corner, const PlaceGrid& grid,
+                              const EdgeTree& edges) const
     {
         const PlanePoint& a = _places[_previous[corner]];
         const PlanePoint& b = _places[corner];
         const PlanePoint& c = _places[_next[corner]];
-        PlaneBox box = PlaneBox::Of(a, b);
-        box.Add({c, c});
-        return !grid.Any(box, [&](std::uint32_t other) {
+        const PlaneBox cut = PlaneBox::Of(a, c);
+        PlaneBox box = cut;
+        box.Add({b, b});
+        const bool isOccupied = grid.Any(box, [&](std::uint32_t other) {
             const PlanePoint& place = _places[other];
             if (!_isIn[other] || place == a || place == b || place == c)
                 return false;
             return Orientation(a, b, place) >= 0 && Orientation(b, c, place) >= 0 &&
                    Orientation(c, a, place) >= 0;
+        });
+        return !isOccupied && !edges.AnyEdge(cut, [&](std::uint32_t edge) {
+            const PlanePoint& p = edges.Begin(edge);
+            const PlanePoint& q = edges.End(edge);
+            return _isIn[edge] && _isIn[edge + 1 == _isIn.size() ? 0 : edge + 1] &&
+                   Orientation(a, c, p) * Orientation(a, c, q) < 0 &&
+                   Orientation(p, q, a) * Orientation(p, q, c) < 0;
         });
     }
 
@@ -160,17 +169,14 @@ private:
     std::uint32_t _numLeft = 0;
 };
 
-// The smallest corner that turns to the left; any other one when none does.
+// The corner with the smallest triangle, whichever way it turns.
 std::uint32_t SmallestCorner(const Ring& ring, std::uint32_t start)
 {
     std::uint32_t smallest = start;
-    double least = INFINITY;
     std::uint32_t corner = start;
     for (std::uint32_t i = 0; i < ring.NumLeft(); ++i, corner = ring.Next(corner)) {
-        if (ring.Turn(corner) > 0 && ring.DoubledArea(corner) < least) {
-            least = ring.DoubledArea(corner);
+        if (std::abs(ring.DoubledArea(corner)) < std::abs(ring.DoubledArea(smallest)))
             smallest = corner;
-        }
     }
     return smallest;
 }
@@ -184,6 +190,7 @@ void ClipEars(std::span<const PlanePoint> points, std::span<const std::uint32_t>
         return;
     Ring rest(points, ring);
     const PlaceGrid grid(rest.Places());
+    const EdgeTree edges(rest.Places(), true);
     std::uint32_t corner = 0;
     // Corners that have been refused since the last cut: all of them, and one is forced.
     std::uint32_t numRefused = 0;
@@ -192,7 +199,7 @@ void ClipEars(std::span<const PlanePoint> points, std::span<const std::uint32_t>
             corner = SmallestCorner(rest, corner);
         const int turn = rest.Turn(corner);
         const bool isForced = numRefused == rest.NumLeft();
-        if (isForced || turn == 0 || (turn > 0 && rest.IsFree(corner, grid))) {
+        if (isForced || turn == 0 || (turn > 0 && rest.IsFree(corner, grid, edges))) {
             if (turn > 0)
                 triangles.push_back(rest.Triangle(corner));
             corner = rest.Remove(corner);
