@@ -57,7 +57,7 @@ Options ReadOptions(int argc, char** argv)
         options.outlines = outlines;
     // Maseru lies in Lesotho, which is a hole in South Africa.
     if (options.places.empty())
-        options.places = {{27.5, -29.5},  {25.0, -29.0}, {2.3, 48.8},
+        options.places = {{28.2, -29.5},  {22.0, -32.8}, {2.3, 48.8},
                           {-47.9, -15.8}, {138.0, 36.3}, {-30.0, 40.0}};
     return options;
 }
