@@ -4,6 +4,14 @@
 #include <algorithm>
 #include <cmath>
 
+// Notation: d the sweep direction, p the feet of the points on the zero plane, h their heights
+// above it, e = p' - p the vector along the segment from a foot to the next one, round to the
+// first.
+//
+// Only `GetPlane` asks virtual operations, for point and normal, so that derived classes can change
+// them. Everything else reads the fields of this very object: a prism, which is a poly-plane of its
+// own around another one, relies on its own empty outline being seen.
+
 using Norvek::Math::Core::kMachineEpsilon;
 
 namespace
@@ -50,6 +58,7 @@ void MPolyPlane::SetZeroPlane(const MMPoint3d<double>& direction, const MMPoint3
     _zeroPlane.Set(_origin, _direction);
 }
 
+// Not by way of the virtual operation: the fields of this object are meant.
 void MPolyPlane::SetDirection(const MMPoint3d<double>& direction)
 {
     MPolyPlane::SetZeroPlane(direction, _origin);
@@ -70,6 +79,8 @@ MMPoint3d<double> MPolyPlane::GetOrigin()
     return _origin;
 }
 
+// The segment to the new point took the place of the closing one: two normals change, and all other
+// arc lengths stand. The closing segment's length is left to those who ask.
 void MPolyPlane::AddPoint(const MMPoint3d<double>& point)
 {
     Point foot;
@@ -94,6 +105,7 @@ void MPolyPlane::AddPoint(const MMPoint3d<double>& point)
         _ComputeNormal(last - 1);
 }
 
+// e x d. The index is as wide as the count: more points may come than the interface can name.
 void MPolyPlane::_ComputeNormal(std::size_t index)
 {
     Point normal = (_points[_Next(index)] - _points[index]).Cross(_direction);
@@ -101,6 +113,8 @@ void MPolyPlane::_ComputeNormal(std::size_t index)
     _normals[index] = normal;
 }
 
+// The interface tests no index; one beyond the points gives zeros rather than somebody else's
+// memory.
 MMPoint3d<double> MPolyPlane::GetPoint(unsigned short index)
 {
     return index < _points.size() ? _points[index] : Point();
@@ -140,6 +154,7 @@ int MPolyPlane::GetNumPoints() const
     return static_cast<int>(_points.size());
 }
 
+// The bottom may lie above a point, and d may point down: both ends of every sweep are looked at.
 void MPolyPlane::GetMinMaxZ(double& min, double& max)
 {
     if (_points.empty()) {
@@ -195,7 +210,8 @@ double MPolyPlane::GetCumulativeLengthToEndOfDescribingSegment(unsigned short in
     return end < _starts.size() ? _starts[end] : MPolyPlane::GetLengthOfDescribingPolyline();
 }
 
-// The last of the segments that start at or before the position.
+// The last of the segments that start at or before the position. The comparisons put NaN at 0, and
+// starts that are NaN still leave the search within its vector.
 std::size_t MPolyPlane::_SegmentAt(double position, double& rest) const
 {
     const double length = MPolyPlane::GetLengthOfDescribingPolyline();
@@ -220,6 +236,7 @@ unsigned short MPolyPlane::GetSegmentAtPositionAlongDescribingPolyline(double po
     return MPolyPlane::GetSegmentAtPositionAlongDescribingPolyline(position, rest);
 }
 
+// As a share of the segment's own length, so that its far end is met to a rounding.
 MMPoint3d<double> MPolyPlane::GetPointAtPositionAlongDescribingPolyline(double position)
 {
     if (_points.empty())
@@ -238,6 +255,7 @@ MMPoint3d<double> MPolyPlane::GetVectorToBottom(unsigned short index)
     return index < _heights.size() ? _direction * (_heights[index] - _bottomHeight) : Point();
 }
 
+// The upper rim between two points is the straight line between them, as they were added.
 MMPoint3d<double> MPolyPlane::GetVectorToBottom(double position)
 {
     if (_points.empty())

@@ -55,6 +55,8 @@ EdgeVerdict JudgeEdge(const Point& p, const Point& c, double u, double v)
     return crossing > u ? EdgeVerdict::Crosses : EdgeVerdict::Nothing;
 }
 
+// Walks over runs of edges on one side with one comparison an edge. The edge that leaves a run, and
+// every edge near the query's line, is judged.
 template <Axis U, Axis V>
 bool IsInOutline(const std::vector<Point>& points, double u, double v, double margin)
 {
@@ -126,6 +128,7 @@ bool MPolyPlane::_LineIntersects(MMPoint3d<double> p1, MMPoint3d<double> p2, MMP
                   [&]<Axis U, Axis V>() { return DoSegmentsCross<U, V>(p1, p2, q1, q2); });
 }
 
+// No box is asked first: the answer is that of the quotients alone, whatever rounding does to them.
 bool MPolyPlane::LineIntersects(MMPoint3d<double> a, MMPoint3d<double> b) const
 {
     _zeroPlane.Project(a, a);
@@ -141,6 +144,7 @@ bool MPolyPlane::LineIntersects(MMPoint3d<double> a, MMPoint3d<double> b) const
     });
 }
 
+// One look at the box of the whole outline answers for most triangles of a large surface.
 bool MPolyPlane::TriangleIntersectRejection(MMPoint3d<double> a, MMPoint3d<double> b,
                                             MMPoint3d<double> c) const
 {

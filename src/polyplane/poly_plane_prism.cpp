@@ -1,8 +1,14 @@
 #include <norvek/polyplane/poly_plane_prism.h>
 
+// A prism is a poly-plane in name and slot; the outline is the inner one's. Only what is overridden
+// here reaches it. Everything else finds the empty outline of the base and answers from there,
+// which callers of lengths and positions have to know and the header says.
+
 MPolyPlanePrism::MPolyPlanePrism() : _inner(std::make_shared<MPolyPlane>())
 {}
 
+// The shared pointer is made from the type at hand; the destructor is virtual, so that a derived
+// poly-plane ends as what it is.
 MPolyPlanePrism::MPolyPlanePrism(MPolyPlane* polyPlane)
     : _inner(polyPlane != nullptr ? std::shared_ptr<MPolyPlane>(polyPlane)
                                   : std::make_shared<MPolyPlane>())
@@ -59,6 +65,7 @@ void MPolyPlanePrism::GetMinMaxZ(double& min, double& max)
     max += (dz > 0.0 ? _top : _bottom) * dz;
 }
 
+// Both levels belong to the prism; written as two exclusions, which NaN passes.
 bool MPolyPlanePrism::IsInside(MMPoint3d<double> point) const
 {
     const double level = _inner->GetDirection().Dot(point);
@@ -92,11 +99,13 @@ double MPolyPlanePrism::DistanceToPlaneSegment(MMPoint3d<double> /*point*/,
     return 0.0;
 }
 
+// The origin is that of coordinates, from which levels are counted.
 void MPolyPlanePrism::SetDirection(MMPoint3d<double> direction)
 {
     _inner->SetZeroPlane(direction, {});
 }
 
+// Not ordered, unlike the levels of two points: meant.
 void MPolyPlanePrism::SetTopBottomPlanes(double top, double bottom)
 {
     _top = top;

@@ -153,6 +153,8 @@ void MPolyPlaneSectors::_BoundBy(std::size_t segment, double& positive, double& 
         negative = std::max(negative, 0.0);
 }
 
+// Three segments are not settled yet: the first, whose start moves with the closing one, the
+// newest, and the closing one itself.
 void MPolyPlaneSectors::_ComputePosNegDisplacements()
 {
     const std::size_t last = _Points().size() - 1;
@@ -172,6 +174,7 @@ MMPlaneEq<double> MPolyPlaneSectors::GetSubDividingPlane(unsigned short index) c
     return _planes.empty() ? MMPlaneEq<double>() : _planes[index % _planes.size()];
 }
 
+// Columns of the system a x + b y + c z = d, one row a plane.
 MMPoint3d<double> MPolyPlaneSectors::GetFocalPoint(unsigned short sector) const
 {
     if (_planes.empty())
@@ -202,6 +205,8 @@ bool MPolyPlaneSectors::_HoldsSquarely(std::size_t segment, const MMPoint3d<doub
     return along >= 0.0 && along <= _DerivedLength(segment, displacement);
 }
 
+// Every wedge is asked: where an outline folds back several hold the point. The sides of the planes
+// rule out nearly all of them; only for the others lengths and displacements are formed.
 MPolyPlaneSectors::_Place MPolyPlaneSectors::_Seek(const MMPoint3d<double>& point) const
 {
     const std::vector<Point>& points = _Points();
@@ -234,6 +239,7 @@ MPolyPlaneSectors::_Place MPolyPlaneSectors::_Seek(const MMPoint3d<double>& poin
     return best;
 }
 
+// A place that was not found has the displacement 0, which is never beyond.
 bool MPolyPlaneSectors::_IsBeyond(const _Place& place) const
 {
     return place.displacement > _posDisplacement || place.displacement < _negDisplacement;
@@ -287,6 +293,7 @@ MPolyPlaneSectors::GetLineThroughFocalAtPositionAlongDescribingPolyline(double p
     return {start, start + _Move(i, share)};
 }
 
+// A segment without length makes the share NaN or infinite, and the comparisons 0 or 1.
 MMPoint3d<double> MPolyPlaneSectors::GetPointInPolyPlane(double position, double height,
                                                          double along, double up,
                                                          unsigned short sector,
@@ -342,6 +349,7 @@ double MPolyPlaneSectors::_PositionOnDerived(const _Place& place, double displac
     return sum + place.share * std::max(0.0, _DerivedLength(place.sector, displacement));
 }
 
+// The polyline is closed: what is far one way is near the other.
 double MPolyPlaneSectors::DistanceBetweenPointsAlongDerivedPolyline(const MMPoint3d<double>& a,
                                                                     const MMPoint3d<double>& b,
                                                                     double displacement) const

@@ -263,7 +263,8 @@ std::uint64_t HashPolyPlanes(Numbers numbers)
     Hash hash;
     for (int i = 0; i < kRounds / 10; ++i) {
         MPolyPlaneSectors plane;
-        plane.SetZeroPlane(numbers.Point(3.0), numbers.Point(3.0));
+        const auto base = numbers.Points<2>(3.0);
+        plane.SetZeroPlane(base[0], base[1]);
         for (unsigned short k = 0; k < 20; ++k) {
             const auto p = numbers.Points<4>(5.0);
             bool found[2]{};
