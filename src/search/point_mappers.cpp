@@ -1,7 +1,8 @@
-#include "foundation/safe_length.h"
 #include "search/rotation_fit.h"
 
 #include <norvek/search/point_mappers.h>
+
+#include <vector>
 
 using namespace Norvek::Math::Core;
 
@@ -10,19 +11,7 @@ namespace
 
 using Point = MMPoint3d<double>;
 
-// Lengths whose squares are well inside the range of the doubles are plain; the square root of the
-// dot product decides the last bits of ordinary sums.
-constexpr double kLeastSquare = 0x1p-900;
-constexpr double kGreatestSquare = 0x1p900;
-
-double Length(const Point& v)
-{
-    const double square = v.LengthSquared();
-    return square > kLeastSquare && square < kGreatestSquare ? std::sqrt(square) : SafeLength(v);
-}
-
-// The centroids are those of the rotation's moments less what their sums lost; the result is set
-// last, since its translation may be read through one of the points.
+// The result is set last, since its translation may be read through one of the points.
 template <class Pairs>
 bool FitMotion(MMOrthoTransform& result, const Pairs& pairs, Undetermined undetermined)
 {
@@ -32,8 +21,7 @@ bool FitMotion(MMOrthoTransform& result, const Pairs& pairs, Undetermined undete
         return false;
     MMOrthoTransform motion;
     motion.MakeTransformation({}, rotation.GetRow(0), rotation.GetRow(1), rotation.GetRow(2));
-    MBasePointMapper::FindTranslation(
-        motion, {centroids.first + centroids.firstLoss, centroids.second + centroids.secondLoss});
+    MBasePointMapper::FindTranslation(motion, {centroids.first, centroids.second});
     result = motion;
     return true;
 }
@@ -69,8 +57,8 @@ bool MMapper3DPointsScale::MapPoints(double& scale, Point& centre, const PairLis
     double first = 0.0;
     double second = 0.0;
     for (const auto& pair : pairs) {
-        first += Length(FirstOf(pair) - centroids.first);
-        second += Length(SecondOf(pair) - centroids.second);
+        first += (FirstOf(pair) - centroids.first).Length();
+        second += (SecondOf(pair) - centroids.second).Length();
     }
     centre = centroids.second;
     scale = first / second;

@@ -15,8 +15,9 @@ namespace Norvek::Math::Core
 namespace
 {
 
-// A rotation whose elements would change by no more than the last digit of 1 stays as it came.
-constexpr double kSettled = kMachineEpsilon;
+// A rotation whose elements would change by no more stays as it came: exact pairs give their motion
+// back within 1e-14 radians, of which the rounding of the moments takes a part.
+constexpr double kSettled = 4e-15;
 
 // det H over trace(P)^3 is 0.30 for round sets, 0.25 for flat ones and s for the spread s across a
 // line against that along it, squares both. Below this limit the rounding of the moments, which is
@@ -29,7 +30,6 @@ constexpr double kUndetermined = 1e-9;
 // Turns are computed again after one that was larger: the next is of the size of its square.
 constexpr double kSmallTurn = 1e-8;
 constexpr double kLargestTurn = 0.5;
-constexpr int kMaxTurns = 4;
 
 // P = M R', row by row.
 struct Stretch
@@ -93,17 +93,8 @@ private:
     PairPoint _cofactors[3];
 };
 
-// One step of Newton's iteration towards the nearest orthonormal matrix, c_j - sum c_k (c_k . c_j -
-// d_kj) / 2 on the columns c: errors are squared.
-MMatrix3x3 Orthonormalised(const PairPoint (&c)[3])
+MMatrix3x3 FromColumns(const PairPoint (&columns)[3])
 {
-    PairPoint columns[3];
-    for (int j = 0; j < 3; ++j) {
-        PairPoint excess;
-        for (int k = 0; k < 3; ++k)
-            excess += c[k] * (c[k].Dot(c[j]) - (k == j ? 1.0 : 0.0));
-        columns[j] = c[j] - 0.5 * excess;
-    }
     MMatrix3x3 result;
     result.SetRow(0, {columns[0].x, columns[1].x, columns[2].x});
     result.SetRow(1, {columns[0].y, columns[1].y, columns[2].y});
@@ -120,7 +111,23 @@ MMatrix3x3 Turned(const MMatrix3x3& r, const PairPoint& w)
         const PairPoint moved = w.Cross(column);
         columns[i] = column + (moved + 0.5 * w.Cross(moved));
     }
-    return Orthonormalised(columns);
+    return Orthonormalised(FromColumns(columns));
+}
+
+} // namespace
+
+// One step of Newton's iteration towards the nearest orthonormal matrix, c_j - sum c_k (c_k . c_j -
+// d_kj) / 2 on the columns c: errors are squared.
+MMatrix3x3 Orthonormalised(const MMatrix3x3& r)
+{
+    PairPoint columns[3];
+    for (int j = 0; j < 3; ++j) {
+        PairPoint excess;
+        for (int k = 0; k < 3; ++k)
+            excess += r.GetColumn(k) * (r.GetColumn(k).Dot(r.GetColumn(j)) - (k == j ? 1.0 : 0.0));
+        columns[j] = r.GetColumn(j) - 0.5 * excess;
+    }
+    return FromColumns(columns);
 }
 
 bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b)
@@ -132,8 +139,6 @@ bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b)
     }
     return largest <= kSettled;
 }
-
-} // namespace
 
 // M = s u v' with v the direction of the second points and u that of the first. The longest row
 // has the direction of v to rounding; sending it through the matrix frees it of what the other rows
@@ -186,36 +191,26 @@ MMatrix3x3 ChooseHandedness(const MMatrix3x3& r, const MMatrix3x3& moments,
     return mirror * r;
 }
 
-MMatrix3x3 Settle(const MMatrix3x3& r, const MMatrix3x3& moments)
+bool NeedsTurning(const MMatrix3x3& r, const MMatrix3x3& moments)
 {
     // Orthonormal first: what R lacks there would pass for a torque.
-    MMatrix3x3 settled = Turned(r, PairPoint());
-    for (int k = 0; k < kMaxTurns; ++k) {
-        const Stretch p(settled, moments);
-        PairPoint turn = p.Torque();
-        if (!Resistance(p).Solve(turn))
-            break;
-        settled = Turned(settled, turn);
-        if (turn.Length() < kSmallTurn)
-            break;
-    }
-    return IsNear(settled, r) ? r : settled;
-}
-
-bool IsElongated(const MMatrix3x3& r, const MMatrix3x3& moments)
-{
-    return Resistance(Stretch(r, moments)).Roundness() < kElongated;
+    const MMatrix3x3 straight = Orthonormalised(r);
+    const Stretch p(straight, moments);
+    const Resistance resistance(p);
+    PairPoint turn = p.Torque();
+    return resistance.Roundness() < kElongated || !resistance.Solve(turn) ||
+           !IsNear(Turned(straight, turn), r);
 }
 
 // About the centroids as they should be: the sums of q and r would be zero there.
-MMatrix3x3 SettleResiduals(const MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums,
-                           double count, double unit)
+bool TurnByResiduals(MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums, double n,
+                     double unit)
 {
-    PairPoint turn = (sums.torque - sums.turned.Cross(sums.residual) / count) / unit;
+    PairPoint turn = (sums.torque - sums.turned.Cross(sums.residual) / n) / unit;
     if (!Resistance(Stretch(r, moments)).Solve(turn))
-        return r;
-    const MMatrix3x3 settled = Turned(r, turn);
-    return IsNear(settled, r) ? r : settled;
+        return false;
+    r = Turned(r, turn);
+    return turn.Length() >= kSmallTurn;
 }
 
 } // namespace Norvek::Math::Core

@@ -7,9 +7,7 @@
 
 #include <cassert>
 #include <cmath>
-#include <limits>
 #include <utility>
-#include <vector>
 #if defined(__SSE2__)
 #include <emmintrin.h>
 #endif
@@ -50,22 +48,33 @@ inline const PairPoint& SecondOf(const PointPair& pair)
     return pair.second;
 }
 
-/// Sums run over the pairs from the left. A sum of a million terms has lost some four digits to
-/// rounding; each block of this many is therefore summed from zero as well, and what the long sum
-/// misses is collected beside it. (Within a block nothing is lost that counts.)
-inline constexpr int kBlockSize = 128;
+/// Sums run over the pairs from the left, in blocks of so many. Within a block plain sums lose less
+/// than the last digits of a rotation; a million terms in one row would lose two digits, and the
+/// centroids of points far from the origin three.
+inline constexpr int kBlockSize = 4096;
 
-/// Up to so many pairs the moments lose less than the last digits of the rotation, and the second
-/// sums are spared.
-inline constexpr std::size_t kFewPairs = 4096;
+/// The sum over all pairs; `Sum` takes up pairs of points and other sums. `sum` is one without
+/// terms.
+template <class Sum, class Pairs>
+Sum SumInBlocks(const Pairs& pairs, Sum sum)
+{
+    const Sum empty = sum;
+    auto at = pairs.begin();
+    const auto end = pairs.end();
+    while (at != end) {
+        Sum block = empty;
+        for (int k = 0; k < kBlockSize && at != end; ++k, ++at)
+            block.Add(FirstOf(*at), SecondOf(*at));
+        sum.Add(block);
+    }
+    return sum;
+}
 
-/// The centroids, each sum divided by n, and what is missing in them.
+/// Each sum divided by n.
 struct Centroids
 {
     PairPoint first;
     PairPoint second;
-    PairPoint firstLoss;
-    PairPoint secondLoss;
 };
 
 /// The sums of both points of the pairs: (x, y) of the first, (x, y) of the second, z of both.
@@ -78,6 +87,12 @@ struct PairedSum
         lanes[0] += LoadPair(&first.x);
         lanes[1] += LoadPair(&second.x);
         lanes[2] += LanePair{first.z, second.z};
+    }
+
+    void Add(const PairedSum& other)
+    {
+        for (int i = 0; i < 3; ++i)
+            lanes[i] += other.lanes[i];
     }
 
     [[nodiscard]] PairPoint First() const
@@ -96,68 +111,10 @@ struct PairedSum
 template <class Pairs>
 Centroids FindCentroids(const Pairs& pairs)
 {
-    PairedSum sum;
-    PairedSum loss;
-    auto at = pairs.begin();
-    const auto end = pairs.end();
-    while (at != end) {
-        const PairedSum before = sum;
-        PairedSum block;
-        for (int k = 0; k < kBlockSize && at != end; ++k, ++at) {
-            sum.Add(FirstOf(*at), SecondOf(*at));
-            block.Add(FirstOf(*at), SecondOf(*at));
-        }
-        for (int i = 0; i < 3; ++i)
-            loss.lanes[i] += block.lanes[i] - (sum.lanes[i] - before.lanes[i]);
-    }
+    const PairedSum sum = SumInBlocks(pairs, PairedSum());
     const auto n = static_cast<double>(pairs.size());
-    return {sum.First() / n, sum.Second() / n, loss.First() / n, loss.Second() / n};
+    return {sum.First() / n, sum.Second() / n};
 }
-
-/// M in lanes: two elements each for the products that one multiplication of pairs gives.
-struct MomentLanes
-{
-    LanePair diagonal{};
-    LanePair crossed{};
-    LanePair column{};
-    LanePair row{};
-    double corner = 0.0;
-
-    void Add(const MomentLanes& other)
-    {
-        diagonal += other.diagonal;
-        crossed += other.crossed;
-        column += other.column;
-        row += other.row;
-        corner += other.corner;
-    }
-
-    void Subtract(const MomentLanes& other)
-    {
-        diagonal -= other.diagonal;
-        crossed -= other.crossed;
-        column -= other.column;
-        row -= other.row;
-        corner -= other.corner;
-    }
-
-    [[nodiscard]] MMatrix3x3 Matrix() const
-    {
-        MMatrix3x3 result;
-        result.SetRow(0, {diagonal[0], crossed[0], column[0]});
-        result.SetRow(1, {crossed[1], diagonal[1], column[1]});
-        result.SetRow(2, {row[0], row[1], corner});
-        return result;
-    }
-};
-
-/// M, what is missing in it, and the sum of |a| + |b|.
-struct Moments
-{
-    MMatrix3x3 sum;
-    MMatrix3x3 loss;
-    double distances = 0.0;
-};
 
 inline LanePair RootOfLanes(LanePair squares)
 {
@@ -168,8 +125,8 @@ inline LanePair RootOfLanes(LanePair squares)
 #endif
 }
 
-/// The sums of one pass over the pairs. The nine products of a pair take five multiplications of
-/// two lanes; each element is still the plain sum from the left.
+/// M and the sum of |a| + |b|. The nine products of a pair take five multiplications of two lanes;
+/// each element is still the plain sum.
 class MomentSums
 {
 public:
@@ -179,80 +136,87 @@ public:
           _z{centroids.first.z, centroids.second.z}
     {}
 
-    /// Returns the products a b' of the pair, which the sums have taken up.
-    MomentLanes Add(const PairPoint& first, const PairPoint& second)
+    void Add(const PairPoint& first, const PairPoint& second)
     {
         const LanePair a = LoadPair(&first.x) - _firstXY;
         const LanePair b = LoadPair(&second.x) - _secondXY;
         const LanePair z = LanePair{first.z, second.z} - _z;
-        const MomentLanes products{a * b, a * LanePair{b[1], b[0]}, a * BothLanes(z[1]),
-                                   b * BothLanes(z[0]), z[0] * z[1]};
-        sums.Add(products);
+        _diagonal += a * b;
+        _crossed += a * LanePair{b[1], b[0]};
+        _column += a * BothLanes(z[1]);
+        _row += b * BothLanes(z[0]);
+        _corner += z[0] * z[1];
         // The two lengths in two lanes: (x^2 + y^2) + z^2 of a beside that of b.
         const LanePair aa = a * a;
         const LanePair bb = b * b;
         const LanePair squares = LanePair{aa[0], bb[0]} + LanePair{aa[1], bb[1]} + z * z;
         const LanePair lengths = RootOfLanes(squares);
-        distances += lengths[0] + lengths[1];
-        return products;
+        _distances += lengths[0] + lengths[1];
     }
 
-    MomentLanes sums;
-    double distances = 0.0;
+    void Add(const MomentSums& other)
+    {
+        _diagonal += other._diagonal;
+        _crossed += other._crossed;
+        _column += other._column;
+        _row += other._row;
+        _corner += other._corner;
+        _distances += other._distances;
+    }
+
+    [[nodiscard]] MMatrix3x3 Matrix() const
+    {
+        MMatrix3x3 result;
+        result.SetRow(0, {_diagonal[0], _crossed[0], _column[0]});
+        result.SetRow(1, {_crossed[1], _diagonal[1], _column[1]});
+        result.SetRow(2, {_row[0], _row[1], _corner});
+        return result;
+    }
+
+    [[nodiscard]] double Distances() const
+    {
+        return _distances;
+    }
 
 private:
     LanePair _firstXY;
     LanePair _secondXY;
     LanePair _z;
+    LanePair _diagonal{};
+    LanePair _crossed{};
+    LanePair _column{};
+    LanePair _row{};
+    double _corner = 0.0;
+    double _distances = 0.0;
 };
-
-template <class Pairs>
-Moments SumMoments(const Pairs& pairs, const Centroids& centroids)
-{
-    MomentSums moments(centroids);
-    MomentLanes loss;
-    auto at = pairs.begin();
-    const auto end = pairs.end();
-    if (pairs.size() <= kFewPairs) {
-        for (; at != end; ++at)
-            moments.Add(FirstOf(*at), SecondOf(*at));
-    }
-    while (at != end) {
-        const MomentLanes before = moments.sums;
-        MomentLanes block;
-        for (int k = 0; k < kBlockSize && at != end; ++k, ++at)
-            block.Add(moments.Add(FirstOf(*at), SecondOf(*at)));
-        MomentLanes gain = moments.sums;
-        gain.Subtract(before);
-        block.Subtract(gain);
-        loss.Add(block);
-    }
-    return {moments.sums.Matrix(), loss.Matrix(), moments.distances};
-}
 
 /// What a rotation leaves: with q = R b and the residual r = a - q the sums of q x r, q and r.
-struct ResidualSums
-{
-    PairPoint torque;
-    PairPoint turned;
-    PairPoint residual;
-};
-
 /// Residuals of exact pairs are as small as the rounding of the coordinates, and so is the rounding
 /// of these sums. The moments have the rounding of squares of the whole length.
-template <class Pairs>
-ResidualSums SumResiduals(const Pairs& pairs, const Centroids& centroids, const MMatrix3x3& r)
+struct ResidualSums
 {
-    ResidualSums sums;
-    for (const auto& pair : pairs) {
-        const PairPoint q = r * (SecondOf(pair) - centroids.second);
-        const PairPoint residual = FirstOf(pair) - centroids.first - q;
-        sums.torque += q.Cross(residual);
-        sums.turned += q;
-        sums.residual += residual;
+    const Centroids& centroids;
+    const MMatrix3x3& rotation;
+    PairPoint torque{};
+    PairPoint turned{};
+    PairPoint residual{};
+
+    void Add(const PairPoint& first, const PairPoint& second)
+    {
+        const PairPoint q = rotation * (second - centroids.second);
+        const PairPoint r = first - centroids.first - q;
+        torque += q.Cross(r);
+        turned += q;
+        residual += r;
     }
-    return sums;
-}
+
+    void Add(const ResidualSums& other)
+    {
+        torque += other.torque;
+        turned += other.turned;
+        residual += other.residual;
+    }
+};
 
 /// The sums of |a|^2 and |b|^2. Needed for reflections alone, and therefore no part of the pass
 /// over the moments.
@@ -285,80 +249,42 @@ bool TurnDirections(MMatrix3x3& rotation, const MMatrix3x3& moments);
 MMatrix3x3 ChooseHandedness(const MMatrix3x3& r, const MMatrix3x3& moments,
                             const std::pair<double, double>& squares);
 
-/// `r`, turned by what the moments say is left to turn; `r` itself, bit for bit, when that is no
-/// more than rounding.
-MMatrix3x3 Settle(const MMatrix3x3& r, const MMatrix3x3& moments);
+/// The moments show that `r` is not the best rotation to rounding, or cannot tell: the points are
+/// spread along a line, and moments know the turn about it to few digits.
+bool NeedsTurning(const MMatrix3x3& r, const MMatrix3x3& moments);
 
-/// The points are spread along a line, so that the moments know the turn about it to few digits.
-bool IsElongated(const MMatrix3x3& r, const MMatrix3x3& moments);
+/// The columns made orthonormal, for a matrix that nearly is.
+MMatrix3x3 Orthonormalised(const MMatrix3x3& r);
 
-/// `r`, turned by what the residuals of `r` say. `unit` divides the torque as it did the moments.
-MMatrix3x3 SettleResiduals(const MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums,
-                           double count, double unit);
+/// Turns `r` by what the residuals of n pairs say. `unit` divides the torque as it did the moments.
+/// True while another turn is worth the pass over the pairs.
+bool TurnByResiduals(MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums, double n,
+                     double unit);
 
-/// The spread of points whose moments and lengths neither overflow nor lose digits below the normal
-/// numbers, with room for the squares of the moments.
-inline constexpr double kLeastSpread = 0x1p-200;
-inline constexpr double kGreatestSpread = 0x1p200;
+/// No element differs by more than rounding.
+bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b);
 
-/// R from the sums: conditioning, the nearest orthonormal matrix, its handedness, and what is left
-/// to turn. The road not taken is a singular value decomposition of the moments, which costs more
-/// and knows no more than they do.
+/// `r`, the nearest orthonormal matrix, turned to the best; `r` itself, bit for bit, when that is
+/// no more than rounding.
 template <class Pairs>
-bool SolveRotation(MMatrix3x3& rotation, const Pairs& pairs, const Centroids& centroids,
-                   const Moments& moments, Undetermined undetermined)
+MMatrix3x3 Settle(const MMatrix3x3& r, const Pairs& pairs, const Centroids& centroids,
+                  const MMatrix3x3& moments, double unit)
 {
+    constexpr int mostTurns = 4;
     const auto n = static_cast<double>(pairs.size());
-    const double spread = moments.distances / (2.0 * n);
-    // Before conditioning, which would divide zeros by zero.
-    if (undetermined == Undetermined::TurnsLeast && moments.sum == MMatrix3x3()) {
-        rotation.SetToZero();
-        rotation.SubtractFromDiagonal(-1.0);
-        return true;
+    MMatrix3x3 settled = Orthonormalised(r);
+    for (int k = 0; k < mostTurns; ++k) {
+        const MMatrix3x3 before = settled;
+        const ResidualSums sums = SumInBlocks(pairs, ResidualSums{centroids, before});
+        if (!TurnByResiduals(settled, moments, sums, n, unit))
+            break;
     }
-    const double unit = spread * spread;
-    MMatrix3x3 conditioned = moments.sum;
-    conditioned /= unit;
-    MMatrix3x3 r;
-    if (!conditioned.NearestOrthonormal(r))
-        return undetermined == Undetermined::TurnsLeast && TurnDirections(rotation, conditioned);
-    // The same about the centroids as they should be, with what the sums lost.
-    MMatrix3x3 offset;
-    offset.PDotQTranspose(centroids.firstLoss, centroids.secondLoss);
-    offset *= n;
-    MMatrix3x3 exact = moments.sum + (moments.loss - offset);
-    exact /= unit;
-    if (r.Determinant() < 0.0) {
-        const auto [first, second] = SumSquares(pairs, centroids);
-        r = ChooseHandedness(r, exact, {first / unit, second / unit});
-    }
-    r = Settle(r, exact);
-    if (IsElongated(r, exact))
-        r = SettleResiduals(r, exact, SumResiduals(pairs, centroids, r), n, unit);
-    rotation = r;
-    return true;
+    return IsNear(settled, r) ? r : settled;
 }
 
-/// The largest magnitude of a coordinate of a deviation; NaN when one is.
-template <class Pairs>
-double LargestDeviation(const Pairs& pairs, const Centroids& centroids)
-{
-    double largest = 0.0;
-    for (const auto& pair : pairs) {
-        const PairPoint a = FirstOf(pair) - centroids.first;
-        const PairPoint b = SecondOf(pair) - centroids.second;
-        for (const double value : {a.x, a.y, a.z, b.x, b.y, b.z}) {
-            if (!(std::abs(value) <= largest))
-                largest = std::abs(value);
-            if (std::isnan(largest))
-                return largest;
-        }
-    }
-    return largest;
-}
-
-/// R, in any unit of length: pairs whose squares would leave the range of the doubles are copied
-/// with all coordinates multiplied by one power of two, which is exact.
+/// R: conditioning, the nearest orthonormal matrix, its handedness, and what is left to turn. The
+/// road not taken is a singular value decomposition of the moments, which costs more and knows no
+/// more than they do.
 ///
 /// False, `rotation` untouched, when the pairs do not determine it (see `Undetermined`), for
 /// coordinates that are not finite and for sums that overflow.
@@ -366,26 +292,26 @@ template <class Pairs>
 bool FitRotation(MMatrix3x3& rotation, const Pairs& pairs, const Centroids& centroids,
                  Undetermined undetermined)
 {
-    const Moments moments = SumMoments(pairs, centroids);
-    const double spread = moments.distances / (2.0 * static_cast<double>(pairs.size()));
-    if (spread > kLeastSpread && spread < kGreatestSpread)
-        return SolveRotation(rotation, pairs, centroids, moments, undetermined);
-    const double largest = LargestDeviation(pairs, centroids);
-    if (!(largest <= std::numeric_limits<double>::max()))
-        return false;
-    int exponent = 0;
-    std::frexp(largest, &exponent);
-    const auto scaled = [exponent](const PairPoint& p) {
-        return PairPoint(std::ldexp(p.x, -exponent), std::ldexp(p.y, -exponent),
-                         std::ldexp(p.z, -exponent));
-    };
-    std::vector<PointPair> copies;
-    copies.reserve(pairs.size());
-    for (const auto& pair : pairs)
-        copies.emplace_back(scaled(FirstOf(pair)), scaled(SecondOf(pair)));
-    const Centroids newCentroids = FindCentroids(copies);
-    return SolveRotation(rotation, copies, newCentroids, SumMoments(copies, newCentroids),
-                         undetermined);
+    const MomentSums sums = SumInBlocks(pairs, MomentSums(centroids));
+    MMatrix3x3 moments = sums.Matrix();
+    // Before conditioning, which would divide zeros by zero.
+    if (undetermined == Undetermined::TurnsLeast && moments == MMatrix3x3()) {
+        rotation.SetToZero();
+        rotation.SubtractFromDiagonal(-1.0);
+        return true;
+    }
+    const double spread = sums.Distances() / (2.0 * static_cast<double>(pairs.size()));
+    const double unit = spread * spread;
+    moments /= unit;
+    MMatrix3x3 r;
+    if (!moments.NearestOrthonormal(r))
+        return undetermined == Undetermined::TurnsLeast && TurnDirections(rotation, moments);
+    if (r.Determinant() < 0.0) {
+        const auto [first, second] = SumSquares(pairs, centroids);
+        r = ChooseHandedness(r, moments, {first / unit, second / unit});
+    }
+    rotation = NeedsTurning(r, moments) ? Settle(r, pairs, centroids, moments, unit) : r;
+    return true;
 }
 
 } // namespace Norvek::Math::Core

@@ -45,12 +45,12 @@ public:
 /// nearest to the sum of a b' (Schoenemann's orthogonal Procrustes problem, solved by the polar
 /// decomposition), and t carries the second centroid onto the first.
 ///
-/// Law: R is the best rotation, to rounding, for any unit of length (points 1e-300 to 1e300 apart)
-/// and any distance from the origin, also where the closed forms of `NearestOrthonormal` keep half
-/// of their digits. Sums run from the left; from 4,096 pairs on what they lose is collected beside
-/// them, and for points along a line the residuals are summed as well. Motions come back from exact
-/// pairs within 1e-14 radians if the coordinates hold that much: what counts is their last digit
-/// against the width of the set, across its longest axis.
+/// Law: R is the best rotation, to rounding, at any distance from the origin and for points 1e-150
+/// to 1e150 apart. It is what `NearestOrthonormal` gives, bit for bit, where that is right within
+/// 4e-15; where its closed forms keep half of their digits, R is turned by what the residuals say.
+/// Sums run from the left, in blocks of 4,096 pairs. Motions come back from exact pairs within
+/// 1e-14 radians if the coordinates hold that much: what counts is their last digit against the
+/// width of the set, across its longest axis.
 ///
 /// Flat sets, three points among them, give a proper rotation. A reflection (determinant -1) comes
 /// back only for pairs that are related by one: sets that are not flat, where it leaves less than
@@ -72,11 +72,12 @@ public:
     ~MMapper3DPoints() override;
 
     /// Writes the best motion: first = R second + t, as nearly as may be. Linear in the number of
-    /// pairs; two passes over them, three for points along a line.
+    /// pairs: two passes over them, and one or two more where R is turned (few points, and points
+    /// along a line).
     ///
     /// False, `result` untouched, for fewer than three pairs, for pairs that do not determine a
     /// rotation (either set coincident or collinear, or unrelated sets whose moments have rank
-    /// below two), for NaN and infinite coordinates and when the sum of the coordinates overflows.
+    /// below two), for NaN and infinite coordinates and when sums or squares leave the doubles.
     /// Sets narrower than 2.2e-4 of their length count as collinear: moments are squares, and
     /// `NearestOrthonormal` judges theirs against 4.7e-8.
     static bool MapPoints(MMOrthoTransform& result, const PairList& pairs);
@@ -101,7 +102,7 @@ public:
     ///
     /// False, both outputs untouched, for fewer than three pairs. True otherwise, whatever the
     /// division gives: coincident second points give an infinite scale, or NaN when the first
-    /// coincide too, and so do coordinates that are not finite or whose sums overflow.
+    /// coincide too; coordinates that are not finite and squares beyond the doubles do likewise.
     static bool MapPoints(double& scale, MMPoint3d<double>& centre, const PairList& pairs);
 };
 
@@ -132,7 +133,7 @@ public:
     /// half turn about a perpendicular that depends on the second direction alone. When the moments
     /// are exactly zero (segments of no length) there is no rotation, only the translation.
     ///
-    /// False, `result` untouched, for an empty list, for NaN and infinite coordinates and when the
-    /// sum of the coordinates overflows.
+    /// False, `result` untouched, for an empty list, for NaN and infinite coordinates and when sums
+    /// or squares leave the doubles.
     static bool MapSegments(MMOrthoTransform& result, const SegmentList& pairs);
 };
