@@ -102,7 +102,7 @@ public:
     ///
     /// False, both outputs untouched, for fewer than three pairs. True otherwise, whatever the
     /// division gives: coincident second points give an infinite scale, or NaN when the first
-    /// coincide too; coordinates that are not finite and squares beyond the doubles do likewise.
+    /// coincide too; so may coordinates that are not finite or whose squares leave the doubles.
     static bool MapPoints(double& scale, MMPoint3d<double>& centre, const PairList& pairs);
 };
 
