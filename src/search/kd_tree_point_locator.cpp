@@ -24,9 +24,10 @@ namespace
 
 using Point = MMPoint3d<double>;
 
-// More than twice 32, the halvings of 2^32 points, and the six steps in which a run of equal
-// coordinates can be split off instead.
-constexpr std::size_t kMostPending = 80;
+// More than the depth of a tree of 2^32 points. A split beside a long run of equal coordinates may
+// take off a single point; among four splits one axis comes twice, and the second time the run
+// goes, half of the points with it. A run that is split off whole leaves one axis less to split.
+constexpr std::size_t kMostPending = 4 * 32 + 16;
 
 // Leaves after which the search for the nearest goes on by boxes.
 constexpr int kPatience = 8;

@@ -24,12 +24,9 @@ constexpr double kSettled = 4e-15;
 // relative to the largest, costs more than the last digit.
 constexpr double kElongated = 0.0625;
 
-// Below this limit there is no best turn to speak of. Moments of rank two lie well above.
-constexpr double kUndetermined = 1e-9;
-
-// Turns are computed again after one that was larger: the next is of the size of its square.
-constexpr double kSmallTurn = 1e-8;
-constexpr double kLargestTurn = 0.5;
+// The nearest orthonormal matrix is right within some 1e-12. Where more is to be turned there is no
+// best turn to speak of: moments that two rotations fit alike.
+constexpr double kLargestTurn = 1e-6;
 
 // P = M R', row by row.
 struct Stretch
@@ -54,15 +51,15 @@ struct Stretch
     }
 };
 
-// H = trace(P) 1 - P, of the symmetric part of P, with its cofactors.
+// H = trace(P) 1 - P, with its cofactors.
 class Resistance
 {
 public:
     explicit Resistance(const Stretch& p) : _trace(p.Trace())
     {
-        const double xy = -0.5 * (p.rows[0].y + p.rows[1].x);
-        const double xz = -0.5 * (p.rows[0].z + p.rows[2].x);
-        const double yz = -0.5 * (p.rows[1].z + p.rows[2].y);
+        const double xy = -p.rows[0].y;
+        const double xz = -p.rows[0].z;
+        const double yz = -p.rows[1].z;
         const PairPoint h[3]{{_trace - p.rows[0].x, xy, xz},
                              {xy, _trace - p.rows[1].y, yz},
                              {xz, yz, _trace - p.rows[2].z}};
@@ -77,14 +74,10 @@ public:
         return _determinant / (_trace * _trace * _trace);
     }
 
-    // Replaces the torque by the turn H^-1 t; false when none can be told.
-    [[nodiscard]] bool Solve(PairPoint& turn) const
+    // H^-1 t.
+    [[nodiscard]] PairPoint Turn(const PairPoint& t) const
     {
-        if (!(Roundness() > kUndetermined))
-            return false;
-        turn = (_cofactors[0] * turn.x + _cofactors[1] * turn.y + _cofactors[2] * turn.z) /
-               _determinant;
-        return turn.Length() < kLargestTurn;
+        return (_cofactors[0] * t.x + _cofactors[1] * t.y + _cofactors[2] * t.z) / _determinant;
     }
 
 private:
@@ -102,15 +95,14 @@ MMatrix3x3 FromColumns(const PairPoint (&columns)[3])
     return result;
 }
 
-// R turned by |w| radians about w, to third order, and made orthonormal.
+// R turned by |w| radians about w, if that is little.
 MMatrix3x3 Turned(const MMatrix3x3& r, const PairPoint& w)
 {
+    if (!(w.Length() < kLargestTurn))
+        return r;
     PairPoint columns[3];
-    for (int i = 0; i < 3; ++i) {
-        const PairPoint column = r.GetColumn(i);
-        const PairPoint moved = w.Cross(column);
-        columns[i] = column + (moved + 0.5 * w.Cross(moved));
-    }
+    for (int i = 0; i < 3; ++i)
+        columns[i] = r.GetColumn(i) + w.Cross(r.GetColumn(i));
     return Orthonormalised(FromColumns(columns));
 }
 
@@ -141,8 +133,8 @@ bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b)
 }
 
 // M = s u v' with v the direction of the second points and u that of the first. The longest row
-// has the direction of v to rounding; sending it through the matrix frees it of what the other rows
-// have beside v.
+// has the direction of v nearly; sending it through the matrix and back frees it of what the other
+// rows have beside v.
 bool TurnDirections(MMatrix3x3& rotation, const MMatrix3x3& moments)
 {
     PairPoint v;
@@ -150,12 +142,8 @@ bool TurnDirections(MMatrix3x3& rotation, const MMatrix3x3& moments)
         if (moments.GetRow(i).LengthSquared() > v.LengthSquared())
             v = moments.GetRow(i);
     }
-    PairPoint u;
-    for (int round = 0; round < 2; ++round) {
-        v.Normalise();
-        u = (moments * v).Normalised();
-        v = {moments.GetColumn(0).Dot(u), moments.GetColumn(1).Dot(u), moments.GetColumn(2).Dot(u)};
-    }
+    const PairPoint u = (moments * v.Normalised()).Normalised();
+    v = {moments.GetColumn(0).Dot(u), moments.GetColumn(1).Dot(u), moments.GetColumn(2).Dot(u)};
     MMTransformMatrix turn;
     if (!turn.MakeRotationInPlane(v.Normalised(), u, PairPoint()))
         return false;
@@ -191,26 +179,19 @@ MMatrix3x3 ChooseHandedness(const MMatrix3x3& r, const MMatrix3x3& moments,
     return mirror * r;
 }
 
+// Orthonormal first: what R lacks there would pass for a torque.
 bool NeedsTurning(const MMatrix3x3& r, const MMatrix3x3& moments)
 {
-    // Orthonormal first: what R lacks there would pass for a torque.
     const MMatrix3x3 straight = Orthonormalised(r);
     const Stretch p(straight, moments);
     const Resistance resistance(p);
-    PairPoint turn = p.Torque();
-    return resistance.Roundness() < kElongated || !resistance.Solve(turn) ||
-           !IsNear(Turned(straight, turn), r);
+    return resistance.Roundness() < kElongated ||
+           !IsNear(Turned(straight, resistance.Turn(p.Torque())), r);
 }
 
-// About the centroids as they should be: the sums of q and r would be zero there.
-bool TurnByResiduals(MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums, double n,
-                     double unit)
+MMatrix3x3 TurnedByTorque(const MMatrix3x3& r, const MMatrix3x3& moments, const PairPoint& torque)
 {
-    PairPoint turn = (sums.torque - sums.turned.Cross(sums.residual) / n) / unit;
-    if (!Resistance(Stretch(r, moments)).Solve(turn))
-        return false;
-    r = Turned(r, turn);
-    return turn.Length() >= kSmallTurn;
+    return Turned(r, Resistance(Stretch(r, moments)).Turn(torque));
 }
 
 } // namespace Norvek::Math::Core

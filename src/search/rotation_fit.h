@@ -190,33 +190,19 @@ private:
     double _distances = 0.0;
 };
 
-/// What a rotation leaves: with q = R b and the residual r = a - q the sums of q x r, q and r.
-/// Residuals of exact pairs are as small as the rounding of the coordinates, and so is the rounding
-/// of these sums. The moments have the rounding of squares of the whole length.
-struct ResidualSums
+/// The torque by what a rotation leaves: with q = R b the sum of q x (a - q). Residuals of exact
+/// pairs are as small as the rounding of the coordinates, and so is the rounding of this sum. The
+/// moments have the rounding of squares of the whole length.
+template <class Pairs>
+PairPoint SumTorque(const Pairs& pairs, const Centroids& centroids, const MMatrix3x3& r)
 {
-    const Centroids& centroids;
-    const MMatrix3x3& rotation;
-    PairPoint torque{};
-    PairPoint turned{};
-    PairPoint residual{};
-
-    void Add(const PairPoint& first, const PairPoint& second)
-    {
-        const PairPoint q = rotation * (second - centroids.second);
-        const PairPoint r = first - centroids.first - q;
-        torque += q.Cross(r);
-        turned += q;
-        residual += r;
+    PairPoint torque;
+    for (const auto& pair : pairs) {
+        const PairPoint q = r * (SecondOf(pair) - centroids.second);
+        torque += q.Cross(FirstOf(pair) - centroids.first - q);
     }
-
-    void Add(const ResidualSums& other)
-    {
-        torque += other.torque;
-        turned += other.turned;
-        residual += other.residual;
-    }
-};
+    return torque;
+}
 
 /// The sums of |a|^2 and |b|^2. Needed for reflections alone, and therefore no part of the pass
 /// over the moments.
@@ -256,10 +242,8 @@ bool NeedsTurning(const MMatrix3x3& r, const MMatrix3x3& moments);
 /// The columns made orthonormal, for a matrix that nearly is.
 MMatrix3x3 Orthonormalised(const MMatrix3x3& r);
 
-/// Turns `r` by what the residuals of n pairs say. `unit` divides the torque as it did the moments.
-/// True while another turn is worth the pass over the pairs.
-bool TurnByResiduals(MMatrix3x3& r, const MMatrix3x3& moments, const ResidualSums& sums, double n,
-                     double unit);
+/// The orthonormal `r`, turned to where the torque vanishes. Torque and moments have one unit.
+MMatrix3x3 TurnedByTorque(const MMatrix3x3& r, const MMatrix3x3& moments, const PairPoint& torque);
 
 /// No element differs by more than rounding.
 bool IsNear(const MMatrix3x3& a, const MMatrix3x3& b);
@@ -270,15 +254,9 @@ template <class Pairs>
 MMatrix3x3 Settle(const MMatrix3x3& r, const Pairs& pairs, const Centroids& centroids,
                   const MMatrix3x3& moments, double unit)
 {
-    constexpr int mostTurns = 4;
-    const auto n = static_cast<double>(pairs.size());
-    MMatrix3x3 settled = Orthonormalised(r);
-    for (int k = 0; k < mostTurns; ++k) {
-        const MMatrix3x3 before = settled;
-        const ResidualSums sums = SumInBlocks(pairs, ResidualSums{centroids, before});
-        if (!TurnByResiduals(settled, moments, sums, n, unit))
-            break;
-    }
+    const MMatrix3x3 straight = Orthonormalised(r);
+    const PairPoint torque = SumTorque(pairs, centroids, straight) / unit;
+    const MMatrix3x3 settled = TurnedByTorque(straight, moments, torque);
     return IsNear(settled, r) ? r : settled;
 }
 

@@ -23,7 +23,8 @@ struct MFoundPoint
 /// **The tree.** A node of more points than a bucket holds is split across the axis of its largest
 /// extent (ties: the lower axis) at the median, moved so that equal coordinates stay together:
 /// every point at or above the split value goes right. A node whose points are all equal stays a
-/// leaf, however many they are. The depth is at most 2 log2 n + 8, whatever the points are.
+/// leaf, however many they are. The depth is at most 4 log2 n + 8, whatever the points are, and
+/// seldom more than log2 n.
 ///
 /// **Answers.** The nearest point is exact: its distance is the one that comparing with every point
 /// gives, bit for bit. Distances are compared by their squares, strictly, so that a point on the
