@@ -30,21 +30,29 @@ TEST(ClosestPointInfo, CopiesPointAtTheirOwnStorage)
     original.UpdateResidues();
     EXPECT_EQ(original.GetDistance(), 5.0);
     const MClosestPointInfo constructed(original);
+    // What a record pointed at before stays as it was; the other may point into the new copy.
     MClosestPointInfo assigned;
+    Point outside;
+    assigned.PointQueryAt(&outside);
+    assigned.PointClosestAt(&outside);
     assigned = original;
     MClosestPointInfo copied;
+    original.PointClosestAt(const_cast<Point*>(&copied.GetQueryPoint()));
+    original.SetClosestPoint(closest);
     copied.Copy(original);
+    EXPECT_EQ(outside, Point());
+    original.PointClosestAt(&closest);
+    original.SetFoundIndex(3);
     original.SetDefaultsInput();
     original.SetDefaultsOutput();
+    EXPECT_EQ(original.GetFoundIndex(), -1);
     EXPECT_EQ(query, Point(-1.0, -1.0, -1.0));
     EXPECT_EQ(closest, query);
-    for (const MClosestPointInfo* copy :
-         {&constructed, const_cast<const MClosestPointInfo*>(&assigned),
-          const_cast<const MClosestPointInfo*>(&copied)})
-    {
-        EXPECT_EQ(copy->GetQueryPoint(), Point(1.0, 2.0, 3.0));
-        EXPECT_EQ(copy->GetClosestPoint(), Point(4.0, 6.0, 3.0));
-        EXPECT_EQ(copy->GetInputIndex(), 7);
+    for (const MClosestPointInfo& copy : {constructed, assigned, copied}) {
+        EXPECT_EQ(copy.GetQueryPoint(), Point(1.0, 2.0, 3.0));
+        EXPECT_EQ(copy.GetClosestPoint(), Point(4.0, 6.0, 3.0));
+        EXPECT_EQ(copy.GetInputIndex(), 7);
+        EXPECT_TRUE(copy < original && original > copy && !(copy > assigned) && copy == assigned);
     }
     // Growing and sorting move records about; what they point at outside stays as it is.
     MClosestPointInfoVector records;

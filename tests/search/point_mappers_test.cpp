@@ -1,5 +1,6 @@
 #include "support/random.h"
 
+#include <norvek/linalg/matrix3x3.h>
 #include <norvek/search/point_mappers.h>
 
 #include <Eigen/Geometry>
@@ -117,7 +118,7 @@ TEST(PointMappers, ExactMotionsComeBack)
         {Box(random, 40, 1.0, 1.0, 0.0), 1e-14},
         {Box(random, 40, 1.0, 1.0, 1.0), 1e-14},
         {Box(random, 40, 1.0, 1e-2, 1e-2), 1e-14},
-        {Box(random, 40, 1.0, 1e-3, 1e-3), 1e-12},
+        {{{1, 0, 0}, {-1, 0, 0.01}, {0.3, 0.01, 0}, {-0.2, 0, -0.01}}, 1e-14},
         // The sums of so many lose two digits; they come back.
         {Box(random, 100000, 1.0, 0.5, 0.7), 1e-15},
     };
@@ -139,6 +140,43 @@ TEST(PointMappers, ExactMotionsComeBack)
             const Matrix3 square = Rotation(motion) * Rotation(motion).transpose();
             EXPECT_LT(Difference(square, Matrix3::Identity()), 1e-14);
         }
+    }
+}
+
+// Plain sums from the left, divided by the square of the mean spread.
+MMatrix3x3 ConditionedMoments(const Sets& sets)
+{
+    const auto n = static_cast<double>(sets.first.size());
+    const Point centreA = std::accumulate(sets.first.begin(), sets.first.end(), Point()) / n;
+    const Point centreB = std::accumulate(sets.second.begin(), sets.second.end(), Point()) / n;
+    MMatrix3x3 sum;
+    double distances = 0.0;
+    for (std::size_t i = 0; i < sets.first.size(); ++i) {
+        MMatrix3x3 product;
+        product.PDotQTranspose(sets.first[i] - centreA, sets.second[i] - centreB);
+        sum = sum + product;
+        distances += (sets.first[i] - centreA).Length() + (sets.second[i] - centreB).Length();
+    }
+    const double spread = distances / (2.0 * n);
+    sum /= spread * spread;
+    return sum;
+}
+
+TEST(PointMappers, RoundSetsGiveTheNearestOrthonormalMatrixBitForBit)
+{
+    Random random(617);
+    const std::vector<Point> shapes[] = {{{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {0, 0, 1}},
+                                         {{1, 1, 1}, {1, -1, -1}, {-1, 1, -1}, {-1, -1, 1}},
+                                         Box(random, 1000, 1.0, 1.0, 1.0),
+                                         Box(random, 4096, 1.0, 1.0, 1.0)};
+    for (const std::vector<Point>& shape : shapes) {
+        Sets sets(shape, RandomRotation(random), {100, 200, 300}, 0.01);
+        MMatrix3x3 nearest;
+        ASSERT_TRUE(ConditionedMoments(sets).NearestOrthonormal(nearest));
+        MMOrthoTransform motion;
+        ASSERT_TRUE(sets.Map(motion));
+        for (unsigned short i = 0; i < 9; ++i)
+            EXPECT_EQ(motion.GetElement(i / 3, i % 3), nearest.Value(i / 3, i % 3));
     }
 }
 
@@ -202,7 +240,8 @@ TEST(PointMappers, ScaleIsTheRatioOfDistances)
     Random random(614);
     double scale = -1.0;
     Point centre;
-    EXPECT_FALSE(Scale::MapPoints(scale, centre, {}));
+    EXPECT_FALSE(Scale::MapPoints(
+        scale, centre, Sets({{0, 0, 0}, {1, 0, 0}}, Matrix3::Identity(), {0, 0, 0}).List()));
     for (const double size : {1e-100, 1.0, 1e100}) {
         const std::vector<Point> shape = Box(random, 50, size, size, size);
         Sets sets(shape, 2.0L * RandomRotation(random), Wide({size, size, 3.0 * size}));
