@@ -2,7 +2,6 @@
 
 #include <norvek/search/kd_tree_point_locator.h>
 #include <norvek/search/point_mappers.h>
-#include <norvek/search/registered_points_tree.h>
 
 #include <vector>
 
@@ -34,26 +33,22 @@ std::uint64_t HashLocators(Numbers numbers)
     return hash.Value();
 }
 
-// Sets near and far, round and thin, few points and many; then the fits as edges of a tree.
+// Sets round and thin, few points and many, and segments.
 std::uint64_t HashRegistrations(Numbers numbers)
 {
     Hash hash;
-    constexpr std::size_t sets = 60;
-    MDataArray2D<MRegistrationCostInfo> costs(sets, sets);
-    MDataArray2D<MMTransformMatrix> pairwise(sets, sets);
-    for (std::size_t k = 0; k < sets * sets; ++k) {
+    for (std::size_t k = 0; k < 3600; ++k) {
         std::vector<MMPoint3d<double>> points(k == 0 ? 20000 : 6 + k % 9);
         MBasePointMapper::PairList pairs;
-        MMapper3dSegments::SegmentList segments;
         for (std::size_t i = 0; i + 1 < points.size(); i += 2) {
             points[i] = numbers.Point(5.0);
             points[i].x *= k % 2 == 0 ? 1.0 : 200.0;
             points[i + 1] = points[i] + numbers.Point(k % 3 == 0 ? 1.0 : 0.1);
             pairs.emplace_back(&points[i], &points[i + 1]);
         }
-        segments.push_back({{points[0], points[1]}, {points[2], points[3]}});
         MMOrthoTransform motion;
-        hash.Add(MMapper3dSegments::MapSegments(motion, segments));
+        hash.Add(MMapper3dSegments::MapSegments(
+            motion, {{{points[0], points[1]}, {points[2], points[3]}}}));
         hash.Add(motion.GetElement(0, 1));
         hash.Add(MMapper3DPoints::MapPoints(motion, pairs));
         for (unsigned short i = 0; i < 12; ++i)
@@ -61,15 +56,6 @@ std::uint64_t HashRegistrations(Numbers numbers)
         double scale = 0.0;
         MMapper3DPointsScale::MapPoints(scale, points[0], pairs);
         hash.Add(scale);
-        costs(k % sets, k / sets).SetInfo(static_cast<unsigned int>(k % 7), 9, scale);
-        pairwise(k % sets, k / sets).Make(motion);
-    }
-    MRegistered3DPointsTree tree;
-    tree.Build(costs, pairwise, std::vector<MMTransformMatrix>(sets));
-    tree.UpdateWcsTransforms();
-    for (std::size_t i = 0; i < sets; ++i) {
-        hash.Add(std::uint64_t{tree.GetNode(i).parent});
-        hash.Add(tree.GetNode(i).worldTransform.GetElement(0, 3, false));
     }
     return hash.Value();
 }
