@@ -5,6 +5,9 @@
 #include <norvek/foundation/constants.h>
 #include <norvek/transform/transform_matrix.h>
 
+#include <algorithm>
+#include <cmath>
+
 // Turning R by the small vector w changes the trace of R' M by w . t - w' H w / 2, with the torque
 // t = sum q x a (twice the axial vector of P, q = R b) and H = trace(P) 1 - P. The best turn is
 // w = H^-1 t. The eigenvalues of H are the sums of two of those of P.
