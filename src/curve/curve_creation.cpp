@@ -9,6 +9,7 @@
 #include <cstddef>
 #include <exception>
 #include <limits>
+#include <type_traits>
 #include <vector>
 
 using Norvek::Math::Core::EvaluateBasis;
@@ -109,14 +110,12 @@ public:
           _basis(parameters.size() * _order),
           _firsts(parameters.size())
     {
-        double* row = _basis.data();
-        for (std::size_t i = 0; i < parameters.size(); ++i, row += _order) {
-            const std::int32_t span =
-                FindKnotSpan(options.order, options.count, knots, parameters[i]);
-            EvaluateBasis(parameters[i], options.order, knots + span, row, nullptr, nullptr);
-            _firsts[i] = static_cast<std::uint32_t>(span - options.order) %
-                         static_cast<std::uint32_t>(_columns);
-        }
+        if (options.order == 4)
+            _Fill(std::integral_constant<int, 4>{}, options, knots, parameters);
+        else if (options.order == 3)
+            _Fill(std::integral_constant<int, 3>{}, options, knots, parameters);
+        else
+            _Fill(options.order, options, knots, parameters);
     }
 
     [[nodiscard]] std::size_t Columns() const
@@ -147,6 +146,20 @@ public:
     }
 
 private:
+    // The usual orders are unrolled.
+    template <class Order>
+    void _Fill(Order order, const FitOptions& options, const double* knots,
+               const Values& parameters)
+    {
+        double* row = _basis.data();
+        for (std::size_t i = 0; i < parameters.size(); ++i, row += _order) {
+            const std::int32_t span = FindKnotSpan(order, options.count, knots, parameters[i]);
+            EvaluateBasis(parameters[i], order, knots + span, row, nullptr, nullptr);
+            _firsts[i] =
+                static_cast<std::uint32_t>(span - order) % static_cast<std::uint32_t>(_columns);
+        }
+    }
+
     std::size_t _columns;
     std::size_t _order;
     Values _basis;

@@ -117,12 +117,13 @@ bool Deliver(Reduced& reduced, const MatrixView& right)
     Values work(n);
     if (!HasFullRank(reduced.r, reduced.lengths.data(), work.data()))
         return false;
+    SolveUpper(reduced.r, reduced.projected.data(), right.columns);
     for (std::size_t c = 0; c < right.columns; ++c) {
         double* const x = reduced.projected.data() + c * n;
-        SolveUpper(reduced.r, x);
         for (std::size_t k = 0; k < n; ++k) {
             const int exponent = reduced.rightExponents[c] - reduced.exponents[reduced.order[k]];
-            x[k] = std::ldexp(x[k], exponent);
+            if (exponent != 0)
+                x[k] = std::ldexp(x[k], exponent);
             if (!std::isfinite(x[k]))
                 return false;
         }

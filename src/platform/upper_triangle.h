@@ -28,8 +28,9 @@ struct UpperTriangle
     }
 };
 
-/// Solves R x = y in place: `x` holds y on entry. A zero on the diagonal gives infinities or NaN.
-void SolveUpper(const UpperTriangle& r, double* x);
+/// Solves R x = y in place for `count` right-hand sides, one after the other in `x`, which holds
+/// them on entry. A zero on the diagonal gives infinities or NaN.
+void SolveUpper(const UpperTriangle& r, double* x, std::size_t count = 1);
 
 /// The lengths of the columns of R, which are those of the matrix that was factorised into it.
 void ColumnLengths(const UpperTriangle& r, double* lengths);

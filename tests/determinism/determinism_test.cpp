@@ -31,6 +31,7 @@ int main(int argc, char**)
         {"fixed matrices", HashFixedMatrices},
         {"least squares", HashLeastSquares},
         {"fits", HashFits},
+        {"curves and surfaces", HashNurbs},
     };
     bool agrees = true;
     for (const Family& family : families) {

@@ -116,6 +116,7 @@ std::uint64_t HashSymmetricMatrices(Numbers numbers);
 std::uint64_t HashFixedMatrices(Numbers numbers);
 std::uint64_t HashLeastSquares(Numbers numbers);
 std::uint64_t HashFits(Numbers numbers);
+std::uint64_t HashNurbs(Numbers numbers);
 /// @}
 
 } // namespace norvek_test
