@@ -8,7 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <exception>
-#include <limits>
+#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -86,6 +86,8 @@ bool Parametrise(const Points& points, int percentage, Values& parameters)
     return true;
 }
 
+// Even knots, j / spans. An open curve has its outer ones pushed together at the ends; a closed one
+// lets them run on, which makes all of its B-splines shifts of one another.
 void BuildKnots(const FitOptions& options, double* knots)
 {
     const int spans = options.count - options.order + 1;
@@ -107,8 +109,9 @@ public:
     System(const FitOptions& options, const double* knots, const Values& parameters)
         : _columns(static_cast<std::size_t>(options.FreeCount())),
           _order(static_cast<std::size_t>(options.order)),
-          _basis(parameters.size() * _order),
-          _firsts(parameters.size())
+          _rows(parameters.size()),
+          _basis(std::make_unique_for_overwrite<double[]>(_rows * _order)),
+          _firsts(std::make_unique_for_overwrite<std::uint32_t[]>(_rows))
     {
         if (options.order == 4)
             _Fill(std::integral_constant<int, 4>{}, options, knots, parameters);
@@ -127,15 +130,14 @@ public:
     [[nodiscard]] bool Solve(Values& right) const
     {
         return Norvek::Math::Core::SolveLeastSquaresOfRuns(
-            {_firsts.size(), _columns, _order, _basis.data(), _firsts.data()},
-            {_firsts.size(), 3, right.data()});
+            {_rows, _columns, _order, _basis.get(), _firsts.get()}, {_rows, 3, right.data()});
     }
 
     // The points of the curve with these control points at all parameters.
     [[nodiscard]] Values Evaluate(const Values& solution) const
     {
-        Values points(3 * _firsts.size());
-        for (std::size_t i = 0; i < _firsts.size(); ++i) {
+        Values points(3 * _rows);
+        for (std::size_t i = 0; i < _rows; ++i) {
             for (std::size_t r = 0; r < _order; ++r) {
                 const double* const from = solution.data() + 3 * ((_firsts[i] + r) % _columns);
                 for (std::size_t c = 0; c < 3; ++c)
@@ -151,8 +153,8 @@ private:
     void _Fill(Order order, const FitOptions& options, const double* knots,
                const Values& parameters)
     {
-        double* row = _basis.data();
-        for (std::size_t i = 0; i < parameters.size(); ++i, row += _order) {
+        double* row = _basis.get();
+        for (std::size_t i = 0; i < _rows; ++i, row += _order) {
             const std::int32_t span = FindKnotSpan(order, options.count, knots, parameters[i]);
             EvaluateBasis(parameters[i], order, knots + span, row, nullptr, nullptr);
             _firsts[i] =
@@ -162,8 +164,10 @@ private:
 
     std::size_t _columns;
     std::size_t _order;
-    Values _basis;
-    std::vector<std::uint32_t> _firsts;
+    std::size_t _rows;
+    // Not set to zero first: with many points the memory is what takes the time.
+    std::unique_ptr<double[]> _basis;
+    std::unique_ptr<std::uint32_t[]> _firsts;
 };
 
 // The largest difference between a coordinate and that of the first point.
@@ -215,6 +219,8 @@ bool DoesFit(const FitOptions& options, const spd_Comm& comm)
            (comm.controlPointCapacity <= 0 || options.count <= comm.controlPointCapacity);
 }
 
+// In the order of what a failure leaves behind: parameters before any knot is written, control
+// points at the origin before the solver is asked.
 int Create(const FitOptions& options, const Points& points, NURBSCurv& curve)
 {
     Values parameters;
@@ -246,10 +252,12 @@ int spd_create_curve(std::int32_t numPoints, double* points, int* options, NURBS
                                                numPoints, comm->workSize);
     options[kPercentage] = used.percentage;
     options[kCloseStatus] = used.closeStatus;
+    // The repairs stay even where the parameters fail.
     curve->order = used.order;
     curve->numControlPoints = used.count;
     if (!DoesFit(used, *comm))
         return Nurbs::kMemoryError;
+    // The work memory is the one thing that throws; the curve's own storage is the caller's.
     try {
         return Create(used, measured, *curve);
     } catch (const std::exception&) {

@@ -11,8 +11,10 @@ namespace Norvek::Math::Core
 namespace
 {
 
+// What a wish that cannot be met becomes: centripetal parameters, cubic pieces.
 constexpr int kDefaultPercentage = 50;
 constexpr int kDefaultOrder = 4;
+// Curves of higher orders are evaluated but not fitted: their systems have no digits left.
 constexpr int kLargestOrder = 20;
 constexpr int kLargestCount = 2000;
 
@@ -22,17 +24,20 @@ bool IsCountAccepted(const FitOptions& options, std::int32_t numPoints, int work
         std::min(static_cast<int>(std::sqrt(static_cast<double>(workSize))), kLargestCount);
     return options.count >= options.order && options.count <= largest &&
            options.count <= numPoints &&
+           // In 64 bits: 2000 times the largest number of points is beyond 32.
            static_cast<std::int64_t>(options.count) * numPoints <= workSize;
 }
 
 // The limits of an accepted count, the root of W and 2000, are not applied here: that is meant.
 void RepairCount(FitOptions& options, std::int32_t numPoints, int workSize)
 {
+    // No number asked for: half the points, in cubic pieces whatever the order was.
     if (options.count < 1) {
         options.order = kDefaultOrder;
         options.count = std::max(numPoints / 2, 4);
     }
     options.count = std::min({options.count, numPoints, workSize / numPoints});
+    // Down to 1, below what may be asked for: a single control point is a constant curve.
     options.order = std::min(options.order, options.count);
 }
 

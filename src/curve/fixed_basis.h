@@ -84,6 +84,8 @@ private:
                 _first.pairs[p] = quotients;
             if (kDerivatives > 1 && j == kOrder - 2)
                 _second.pairs[p] = quotients;
+            // A value of the next order takes one share from above and one from the value before
+            // it.
             const LanePair up = (LoadPair(knots + 2 * p) - t) * quotients;
             const LanePair down = (t - LoadPair(knots + (2 * p - j))) * quotients;
             const LanePair next = LanePair{saved, down[0]} + up;

@@ -16,6 +16,14 @@ using Norvek::Math::Core::LanePair;
 using Norvek::Math::Core::LoadPair;
 using Norvek::Math::Core::StorePair;
 
+// Notation: P the homogeneous control points of a span, (A, w) their sum over the basis N, A', w'
+// and A'', w'' those over its derivatives, C = A / w the curve. L. Piegl and W. Tiller, The NURBS
+// Book, chapter 4.
+//
+// Two coordinates share a register; the lane of w runs along in the quotients and is not used
+// there. A curve whose weights are 1 could do without the division. But its w is a sum that
+// rounding takes off 1 now and then, and to look first would cost as much as it spares.
+
 namespace
 {
 
@@ -103,6 +111,7 @@ int EvaluateFixed(double t, const double* knots, const Point4D* points, Nurbs::P
                                  result);
 }
 
+// Kept out of line: its work memory would burden the frame of the usual orders.
 template <int kDerivatives>
 [[gnu::noinline]] int EvaluateAny(int order, double t, const double* knots, const Point4D* points,
                                   Nurbs::Point* result)
@@ -119,6 +128,7 @@ int Evaluate(int order, std::int32_t count, const double* knots, const Point4D* 
              Nurbs::Point* result)
 {
     const std::int32_t span = FindKnotSpan(order, count, knots, t);
+    // From here on seen from the span: its knots end before `knots`, its points begin at `points`.
     knots += span;
     points += span - order;
     if (IsSpanPlain(knots)) {
@@ -130,6 +140,8 @@ int Evaluate(int order, std::int32_t count, const double* knots, const Point4D* 
     return EvaluateAny<kDerivatives>(order, t, knots, points, result);
 }
 
+// Both entries come here, not one through the other: a call between exported functions of a shared
+// library goes through a table.
 int EvaluateChecked(int derivatives, int order, std::int32_t count, const double* knots,
                     const Point4D* points, double t, Nurbs::Point* result)
 {

@@ -8,6 +8,14 @@ using Norvek::Math::Core::EvaluateBasis;
 using Norvek::Math::Core::FindKnotSpan;
 using Norvek::Math::Core::kNurbsZero;
 
+// Notation as for curves, with a letter for each derivative: a[kUV] is A_uv with its weight w_uv,
+// s[kUV] is S_uv. The rule for products, differentiated in both directions:
+//
+//     A_uv = w_uv S + w_u S_v + w_v S_u + w S_uv
+//
+// Surfaces are evaluated with the general basis at any order: one point of a bicubic patch takes 16
+// control points, beside which the two bases do not count.
+
 namespace
 {
 
@@ -24,6 +32,7 @@ enum Record
 
 constexpr int kNumRecords[] = {1, 3, 6};
 
+// Orders first: what the arrays have to hold follows from them.
 int Check(int derivatives, const NURBSSurf* surface, const Nurbs::Point* result)
 {
     if (surface == nullptr)
@@ -84,7 +93,8 @@ void Add(Point4D& sum, double factor, const Point4D& point)
         sum.coordinates[c] += factor * point.coordinates[c];
 }
 
-// The sums over the control points that matter, v within u.
+// The sums over the control points that matter, v within u: a row of the grid lies side by side,
+// and its sums serve every derivative in u.
 void Combine(int derivatives, const NURBSSurf& surface, Direction& u, Direction& v,
              Point2D parameters, Point4D (&a)[6])
 {
