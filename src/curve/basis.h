@@ -40,7 +40,8 @@ inline std::int32_t FindKnotSpan(std::int32_t order, std::int32_t count, const d
     if (place >= 0.0 && place < spans) {
         std::int32_t i = order + static_cast<std::int32_t>(place);
         for (int step = 0; step < 4; ++step) {
-            if (t < knots[i - 1])
+            // The ends are asked for because knots that should not descend might.
+            if (i > order && t < knots[i - 1])
                 --i;
             else if (i < count && !(t < knots[i]))
                 ++i;

@@ -22,7 +22,8 @@ struct RandomCurve
 
     RandomCurve(Random& random, int order, int count)
     {
-        for (double knot = -0.5; knots.size() < static_cast<std::size_t>(count + order);) {
+        double knot = -0.5;
+        for (int i = 0; i < count + order; ++i) {
             knots.push_back(knot);
             const double steps[] = {0.0, 5e-12, 1e-11, 0.3, 0.4, 0.8};
             knot += steps[random.Integer(0, 5)];
