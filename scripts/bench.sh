@@ -4,7 +4,7 @@
 source "$(dirname "${BASH_SOURCE[0]}")/common.sh"
 
 need_build_tools
-need_packages libbenchmark-dev libcgal-dev liblapack-dev libnanoflann-dev
+need_packages libbenchmark-dev libcgal-dev liblapack-dev libnanoflann-dev libsisl-dev
 build_preset bench
 for program in "$root"/build/bench/benchmarks/*_benchmark; do
     say "$(basename "$program")"
