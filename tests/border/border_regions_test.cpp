@@ -1,9 +1,8 @@
-#include "border/region_support.h"
+#include "border/grid_rings.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <array>
 #include <bitset>
 #include <cmath>
 
@@ -12,13 +11,12 @@ namespace
 
 using Norvek::Math::Core::Orientation;
 using norvek_test::BorderOf;
-using norvek_test::EdgesOf;
 using norvek_test::PlanePoint;
 using norvek_test::Random;
 using norvek_test::RegionBorder;
 using norvek_test::Ring;
 using norvek_test::Rings;
-using Triangle = std::array<PlanePoint, 3>;
+using norvek_test::Triangle;
 
 struct Filling
 {
@@ -48,63 +46,6 @@ Filling Fill(const RegionBorder& border)
     return filling;
 }
 
-// The even-odd area, slab by slab between neighbouring abscissae; no edges cross.
-double SlabArea(const Rings& rings)
-{
-    std::vector<double> abscissae;
-    for (const auto& [p, q] : EdgesOf(rings))
-        abscissae.push_back(p.x);
-    std::sort(abscissae.begin(), abscissae.end());
-    double area = 0.0;
-    for (std::size_t i = 1; i < abscissae.size(); ++i) {
-        const double low = abscissae[i - 1];
-        const double high = abscissae[i];
-        std::vector<double> heights;
-        for (const auto& [p, q] : EdgesOf(rings)) {
-            if (p.x != q.x && std::min(p.x, q.x) <= low && std::max(p.x, q.x) >= high)
-                heights.push_back(p.y + (q.y - p.y) * (0.5 * (low + high) - p.x) / (q.x - p.x));
-        }
-        std::sort(heights.begin(), heights.end());
-        for (std::size_t k = 1; k < heights.size(); k += 2)
-            area += (heights[k] - heights[k - 1]) * (high - low);
-    }
-    return area;
-}
-
-// Triangles side by side have a line between them; none has a corner inside an edge of another.
-bool FitTogether(const std::vector<Triangle>& triangles)
-{
-    const auto isApart = [](const Triangle& a, const Triangle& b) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            if (std::all_of(b.begin(), b.end(), [&](const PlanePoint& p) {
-                    return Orientation(a[i], a[(i + 1) % 3], p) <= 0;
-                }))
-                return true;
-        }
-        return false;
-    };
-    const auto isInEdge = [](const Triangle& t, const PlanePoint& p) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            const PlanePoint& a = t[i];
-            const PlanePoint& b = t[(i + 1) % 3];
-            if (Orientation(a, b, p) == 0 && (p - a).Dot(p - b) < 0.0)
-                return true;
-        }
-        return false;
-    };
-    for (const Triangle& a : triangles) {
-        for (const Triangle& b : triangles) {
-            if (&a == &b)
-                continue;
-            if ((!isApart(a, b) && !isApart(b, a)) ||
-                std::any_of(b.begin(), b.end(),
-                            [&](const PlanePoint& p) { return isInEdge(a, p); }))
-                return false;
-        }
-    }
-    return true;
-}
-
 TEST(BorderRegions, TrianglesCoverWhatLiesInAnOddNumberOfRings)
 {
     Random random(701);
@@ -123,8 +64,8 @@ TEST(BorderRegions, TrianglesCoverWhatLiesInAnOddNumberOfRings)
         if (hasCrossing)
             continue;
         ++numExact;
-        EXPECT_NEAR(filling.area, SlabArea(rings), 1e-9) << round;
-        EXPECT_TRUE(FitTogether(filling.triangles)) << round;
+        EXPECT_NEAR(filling.area, norvek_test::SlabArea(rings), 1e-9) << round;
+        EXPECT_TRUE(norvek_test::DoFitTogether(filling.triangles)) << round;
     }
     EXPECT_GT(numExact, 1500);
 }

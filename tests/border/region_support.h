@@ -1,10 +1,11 @@
 #pragma once
 
 #include "border/orientation.h"
-#include "support/random.h"
 
 #include <norvek/border/border.h>
 
+#include <algorithm>
+#include <array>
 #include <utility>
 #include <vector>
 
@@ -26,15 +27,6 @@ inline RegionBorder BorderOf(Rings& rings)
             contour->InsertAtEnd(p.x, p.y, static_cast<void*>(&p));
     }
     return border;
-}
-
-/// A ring of a few points on a small grid, where nearly everything touches.
-inline Ring GridRing(Random& random, int side)
-{
-    Ring ring(static_cast<std::size_t>(random.Integer(1, 8)));
-    for (PlanePoint& p : ring)
-        p = PlanePoint(random.Integer(0, side), random.Integer(0, side));
-    return ring;
 }
 
 /// All edges, the closing ones too.
@@ -64,6 +56,66 @@ inline bool HasCrossing(const Rings& rings)
             if (DoCross(edges[i].first, edges[i].second, edges[j].first, edges[j].second))
                 return true;
     return false;
+}
+
+using Triangle = std::array<PlanePoint, 3>;
+
+/// The even-odd area, slab by slab between neighbouring abscissae; no edges cross.
+inline double SlabArea(const Rings& rings)
+{
+    std::vector<double> abscissae;
+    for (const auto& [p, q] : EdgesOf(rings))
+        abscissae.push_back(p.x);
+    std::sort(abscissae.begin(), abscissae.end());
+    double area = 0.0;
+    for (std::size_t i = 1; i < abscissae.size(); ++i) {
+        const double low = abscissae[i - 1];
+        const double high = abscissae[i];
+        std::vector<double> heights;
+        for (const auto& [p, q] : EdgesOf(rings)) {
+            if (p.x != q.x && std::min(p.x, q.x) <= low && std::max(p.x, q.x) >= high)
+                heights.push_back(p.y + (q.y - p.y) * (0.5 * (low + high) - p.x) / (q.x - p.x));
+        }
+        std::sort(heights.begin(), heights.end());
+        for (std::size_t k = 1; k < heights.size(); k += 2)
+            area += (heights[k] - heights[k - 1]) * (high - low);
+    }
+    return area;
+}
+
+/// Triangles side by side have a line between them; none has a corner inside an edge of another.
+inline bool DoFitTogether(const std::vector<Triangle>& triangles)
+{
+    using Norvek::Math::Core::Orientation;
+    const auto isApart = [](const Triangle& a, const Triangle& b) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            if (std::all_of(b.begin(), b.end(), [&](const PlanePoint& p) {
+                    return Orientation(a[i], a[(i + 1) % 3], p) <= 0;
+                }))
+                return true;
+        }
+        return false;
+    };
+    const auto isInEdge = [](const Triangle& t, const PlanePoint& p) {
+        for (std::size_t i = 0; i < 3; ++i) {
+            const PlanePoint& a = t[i];
+            const PlanePoint& b = t[(i + 1) % 3];
+            if (Orientation(a, b, p) == 0 && (p - a).Dot(p - b) < 0.0)
+                return true;
+        }
+        return false;
+    };
+    for (const Triangle& a : triangles) {
+        for (const Triangle& b : triangles) {
+            if (&a == &b)
+                continue;
+            if ((!isApart(a, b) && !isApart(b, a)) ||
+                std::any_of(b.begin(), b.end(),
+                            [&](const PlanePoint& p) { return isInEdge(a, p); }))
+                return false;
+        }
+    }
+    return true;
 }
 
 } // namespace norvek_test

@@ -1,4 +1,4 @@
-#include "border/region_support.h"
+#include "border/grid_rings.h"
 
 #include <gtest/gtest.h>
 
