@@ -52,6 +52,7 @@ void ReportWhole(const std::vector<Country>& countries)
 void ReportLargest(const std::vector<Country>& countries)
 {
     std::vector<const Country*> largest;
+    largest.reserve(countries.size());
     for (const Country& country : countries)
         largest.push_back(&country);
     const std::size_t count = std::min(kNumLargest, largest.size());

@@ -290,6 +290,8 @@ template <class Coord, class Payload, class Contour>
 bool M3dBorder<Coord, Payload, Contour>::IntersectsWithConnection(const PointType* p,
                                                                   const PointType* q) const
 {
+    if (p == nullptr || q == nullptr)
+        return false;
     const auto from = Norvek::Math::Core::PlaceOf(*p);
     const auto to = Norvek::Math::Core::PlaceOf(*q);
     return std::any_of(begin(), end(), [&](const Contour& contour) {

@@ -123,8 +123,10 @@ Sample SampleOf(const Ring& ring, int side)
     const RegionBorder border = BorderOf(rings);
     Sample sample;
     for (std::size_t i = 0; i < sample.size(); ++i) {
-        const double x = (static_cast<double>(i / kSamples) + 0.5137) * side / kSamples - 0.0011;
-        const double y = (static_cast<double>(i % kSamples) + 0.4871) * side / kSamples - 0.0013;
+        const std::size_t column = i / kSamples;
+        const std::size_t row = i % kSamples;
+        const double x = (static_cast<double>(column) + 0.5137) * side / kSamples - 0.0011;
+        const double y = (static_cast<double>(row) + 0.4871) * side / kSamples - 0.0013;
         sample[i] = border.CalculatePosition(x, y) == 1;
     }
     return sample;
@@ -193,8 +195,10 @@ TEST(BorderRegions, MergingKeepsTheRegionInOuterContours)
         };
         for (int block = 0; block < 3; ++block) {
             addSquare(20.0 * block, 0.0, 9.0);
-            for (int hole = random.Integer(0, 9); hole > 0; --hole)
-                addSquare(20.0 * block + 3.0 * (hole % 5) - 6.0, 4.0 * (hole / 5), 1.2);
+            for (int hole = random.Integer(0, 9); hole > 0; --hole) {
+                const int row = hole / 5;
+                addSquare(20.0 * block + 3.0 * (hole % 5) - 6.0, 4.0 * row, 1.2);
+            }
             addSquare(20.0 * block, -6.0, 1.5);
             addSquare(20.0 * block, -6.0, random.Uniform(0.5, 1.5));
         }

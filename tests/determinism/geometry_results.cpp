@@ -249,6 +249,18 @@ std::uint64_t HashBorders(Numbers numbers)
                 hash.Add(MMPoint3d<double>(point.x, point.y, point.payload));
         hash.Add(merged.SurfaceAreaWithSignXY());
         hash.Add(merged.CircumferenceXY());
+        std::int32_t count = 0;
+        std::vector<float> corners;
+        hash.Add(merged.FillWithTriangles(count, corners));
+        for (const float corner : corners)
+            hash.Add(double{corner});
+        std::vector<std::vector<MIntersectionValue>> values;
+        merged.DetermineIntersectionValues(true, true, values);
+        for (const auto& list : values)
+            for (const MIntersectionValue& value : list) {
+                hash.Add(value.parameter);
+                hash.Add(value.point);
+            }
         for (int point = 0; point < 20; ++point) {
             const double x = numbers.Next(5.0);
             hash.Add(int{merged.CalculatePosition(x, numbers.Next(5.0))});
