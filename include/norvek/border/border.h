@@ -227,8 +227,8 @@ public:
 
     /// Whether the connection from `p` to `q` meets an edge of any contour: whether the open
     /// segment between them has a place in common with an edge. Its own ends do not count, wherever
-    /// on the border they lie. The edge that closes an open contour does not count. Linear in the
-    /// points.
+    /// on the border they lie. The edge that closes an open contour does not count. Null gives
+    /// false. Linear in the points.
     bool IntersectsWithConnection(const PointType* p, const PointType* q) const;
 
     /// Lists for every contour, in the order of the border, where it meets the other contours and
