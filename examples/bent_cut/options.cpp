@@ -59,7 +59,7 @@ Options ReadOptions(int argc, char** argv)
     if (options.direction.Length() == 0.0)
         throw Failure("--direction needs a length");
     if (options.surface.empty())
-        options.surface = BENT_CUT_DEFAULT_SURFACE;
+        options.surface = EXAMPLE_DATA "/jacksboro.asc";
     return options;
 }
 

@@ -11,7 +11,7 @@ namespace coastlines
 /// What the command line asks for.
 struct Options
 {
-    std::string outlines = COASTLINES_DATA;
+    std::string outlines = EXAMPLE_DATA "/countries_110m.txt";
     /// Degrees of longitude and latitude.
     std::vector<MMPoint2d<double>> places;
     std::string picture;

@@ -51,7 +51,7 @@ Options ReadOptions(int argc, char** argv)
          .take = [&](const auto& option, const auto& value) { TakeOption(options, option, value); },
          .surface = &options.surface});
     if (options.surface.empty()) {
-        options.surface = HISTOGRAM_DEFAULT_SURFACE;
+        options.surface = EXAMPLE_DATA "/jacksboro.asc";
         options.unit = "m";
     }
     return options;

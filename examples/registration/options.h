@@ -10,7 +10,7 @@ namespace registration
 /// What the command line asks for.
 struct Options
 {
-    std::string surface = REGISTRATION_SURFACE;
+    std::string surface = EXAMPLE_DATA "/jacksboro.asc";
     /// The motion of the second crop: degrees about a steep axis through its middle, and a shift.
     double turn = 1.5;
     MMPoint3d<double> shift{60.0, -40.0, 90.0};

@@ -84,7 +84,7 @@ Options ReadOptions(int argc, char** argv)
          .take = [&](const auto& option, const auto& value) { TakeOption(options, option, value); },
          .surface = &options.surface});
     if (options.surface.empty()) {
-        options.surface = SECTION_DEFAULT_SURFACE;
+        options.surface = EXAMPLE_DATA "/jacksboro.asc";
         options.unit = "m";
     }
     if (options.planes.empty() && !options.isFitWanted && options.levelStep == 0.0) {
