@@ -51,8 +51,8 @@ public:
     ///
     /// Intervals are halved until `_ChordDeviation` is content; with `keepMinimal` they begin as
     /// those of `_SegmentMinimal`, which all stay among the parameters. Failure, and `parameters`
-    /// as they were, for a tolerance that is not above 0, a range that is empty or not finite, a
-    /// curve that has not been fitted, and where more than 2^20 intervals would be needed.
+    /// as they were, for a tolerance that is not above 0, a range that descends or is not finite, a
+    /// curve without points, and where more than 2^20 intervals would be needed.
     virtual error Segment(std::vector<double>& parameters, double tolerance,
                           bool keepMinimal) const;
 
@@ -64,10 +64,11 @@ public:
     ///
     /// Without `fromHere` it is the globally nearest one, found by `_FindNearest`, to rounding
     /// whatever the tolerance: branches are told apart by their distances. With it, `t` on entry is
-    /// a start, and the iteration stays on its branch: it walks downhill, by steps that do not pass
-    /// over a rise of the distance it could see, until a step moves the point by no more than
-    /// `tolerance`, a length, or by rounding only where that is 0, below or NaN. A start outside is
-    /// moved into the range; on a closed loop the walk crosses the seam.
+    /// a start, and the iteration stays on its branch: it walks to where the distance falls, by at
+    /// most a quarter of a mean interval of `_SegmentMinimal` at a time, until a step moves the
+    /// point by no more than `tolerance`, a length, or by rounding only where that is 0, below or
+    /// NaN. A start outside is
+    /// moved into the range; on a closed loop it is taken round, and the walk crosses the seam.
     ///
     /// Failure for a point, a start or a range that is not finite and for a curve without points.
     virtual error ProjectPoint(double& t, MMPoint3d<double> point, double tolerance,
@@ -164,8 +165,9 @@ protected:
     M3dCurve& operator=(const M3dCurve&) = default;
 
 private:
-    double _ProjectPoint(double t, const MMPoint3d<double>& point, double tolerance) const;
-    bool _GetClosePoint(double* t, MMPoint3d<double> point, unsigned samples) const;
+    [[nodiscard]] double _ProjectPoint(double t, const MMPoint3d<double>& point,
+                                       double tolerance) const;
+    [[nodiscard]] double _WithinRange(double t) const;
     [[nodiscard]] bool _HasRange() const;
 
     bool _isClosedLoop = false;
