@@ -84,6 +84,16 @@ inline unsigned char ClampedOrder(std::uint32_t order)
     return static_cast<unsigned char>(order <= kLargestEven ? order : kLargestEven + order % 2);
 }
 
+/// The ring of even order around a ring of odd order. Where rings cross, the innermost ring around
+/// a hole may be a hole itself, and the next one is asked; the outermost one has order 0.
+inline std::size_t OuterRing(const Nesting& nesting, std::size_t ring)
+{
+    do
+        ring = nesting.parents[ring];
+    while (nesting.orders[ring] % 2 == 1);
+    return ring;
+}
+
 /// The positions of the contours, outer ones by descending area, each followed by its holes.
 template <class Border>
 std::vector<std::size_t> SortedPositions(const Border& border, const Nesting& nesting)
@@ -101,7 +111,7 @@ std::vector<std::size_t> SortedPositions(const Border& border, const Nesting& ne
     std::vector<std::vector<std::size_t>> holes(areas.size());
     for (const std::size_t ring : byArea) {
         if (nesting.orders[ring] % 2 == 1)
-            holes[nesting.parents[ring]].push_back(ring);
+            holes[OuterRing(nesting, ring)].push_back(ring);
     }
     std::vector<std::size_t> sorted;
     for (const std::size_t ring : byArea) {
