@@ -17,4 +17,5 @@ draw coastlines "Measuring and triangulating countries"
 draw nearest "Asking a k-d tree"
 draw registration "Bringing moved crops back by nearest points"
 draw bent_cut "Cutting the elevation model along a bent outline"
+draw centreline "Fitting a curve along a winding vessel"
 printf '\nThe pictures of the examples are in out, one SVG each; open them in any browser.\n'

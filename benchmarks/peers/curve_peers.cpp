@@ -1,11 +1,12 @@
 // SISL s1221, which is told the span it found last, and Eigen's splines of fixed degree, over the
-// same curves and parameters.
+// same curves and parameters; SISL s1953, which finds all nearest points, over the same points.
 
 #include "support/curve_inputs.h"
 
 #include <Eigen/Core>
 #include <benchmark/benchmark.h>
 
+#include <cstdlib>
 #include <sisl.h>
 #include <unsupported/Eigen/Splines>
 
@@ -46,6 +47,32 @@ void BM_Evaluate_SISL(benchmark::State& state)
     freeCurve(curve);
 }
 BENCHMARK(BM_Evaluate_SISL)->ArgsProduct({{0, 1, 2}, {20, 150, 1000}, {0, 1}, {0, 1}});
+
+void BM_Project_SISL(benchmark::State& state)
+{
+    CurveInput input(153, false, true);
+    std::vector<double> coordinates = Coordinates(input);
+    SISLCurve* const curve = newCurve(153, 4, input.knots.data(), coordinates.data(), 1, 3, 0);
+    const auto points = norvek_benchmark::QueriesAround(state.range(0) != 0);
+    for (auto _ : state) {
+        for (const MMPoint3d<double>& point : points) {
+            double query[3] = {point.x, point.y, point.z};
+            int numPoints = 0;
+            double* parameters = nullptr;
+            int numCurves = 0;
+            SISLIntcurve** curves = nullptr;
+            int status = 0;
+            s1953(curve, query, 3, 1e-15, 1e-9, &numPoints, &parameters, &numCurves, &curves,
+                  &status);
+            benchmark::DoNotOptimize(parameters);
+            std::free(parameters);
+            freeIntcrvlist(curves, numCurves);
+        }
+    }
+    freeCurve(curve);
+    state.SetItemsProcessed(state.iterations() * static_cast<std::int64_t>(points.size()));
+}
+BENCHMARK(BM_Project_SISL)->Arg(0)->Arg(1);
 
 using Spline = Eigen::Spline<double, 3, 3>;
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <norvek/curve/nurbs.h>
+#include <norvek/foundation/point3d.h>
 
 #include <algorithm>
 #include <cmath>
@@ -41,5 +42,25 @@ struct CurveInput
             std::sort(parameters.begin(), parameters.end());
     }
 };
+
+/// Points around a curve of 150 spans, near it (within a tenth of its radius) or farther off.
+inline std::vector<MMPoint3d<double>> QueriesAround(bool areNear)
+{
+    std::uint64_t state = 31;
+    const auto next = [&] {
+        state = state * 6364136223846793005U + 1442695040888963407U;
+        return static_cast<double>(state >> 11) * 0x1p-52 - 1.0;
+    };
+    std::vector<MMPoint3d<double>> points;
+    for (int i = 0; i < 256; ++i) {
+        const double angle = 7.6 * (next() + 1.0);
+        const MMPoint3d<double> on(std::cos(angle), std::sin(angle), 0.3 * angle);
+        const double reach = areNear ? 0.1 : 2.0;
+        const double x = reach * next();
+        const double y = reach * next();
+        points.push_back(on + MMPoint3d<double>(x, y, reach * next()));
+    }
+    return points;
+}
 
 } // namespace norvek_benchmark

@@ -25,7 +25,7 @@ constexpr int kMostHalvings = 50;
 
 // How many pieces a span may give on average. Proper curves stay below; where rounding spoils the
 // coefficients, of weights many powers of ten apart, it is the time that is kept.
-constexpr int kMostPieces = 256;
+constexpr int kMostPieces = 64;
 
 double Dot3(const Point4D& a, const Point4D& b)
 {

@@ -32,6 +32,7 @@ int main(int argc, char**)
         {"least squares", HashLeastSquares},
         {"fits", HashFits},
         {"curves and surfaces", HashNurbs},
+        {"curve objects", HashCurveObjects},
     };
     bool agrees = true;
     for (const Family& family : families) {

@@ -117,6 +117,7 @@ std::uint64_t HashFixedMatrices(Numbers numbers);
 std::uint64_t HashLeastSquares(Numbers numbers);
 std::uint64_t HashFits(Numbers numbers);
 std::uint64_t HashNurbs(Numbers numbers);
+std::uint64_t HashCurveObjects(Numbers numbers);
 /// @}
 
 } // namespace norvek_test

@@ -118,7 +118,7 @@ protected:
     /// found by Newton's method, and others are halved. Distances that differ by less than some
     /// dozen epsilons of the curve's extent about the point count as equal.
     ///
-    /// A few microseconds for a curve of 150 spans. Where spans are as short as 1e-11, which the
+    /// About ten microseconds for a curve of 150 spans. Where spans are as short as 1e-11, which the
     /// kernel does not evaluate, only their ends count.
     bool _FindNearest(double& t, const MMPoint3d<double>& point) const override;
 
