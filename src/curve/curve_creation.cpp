@@ -8,7 +8,6 @@
 #include <cmath>
 #include <cstddef>
 #include <exception>
-#include <memory>
 #include <type_traits>
 #include <vector>
 
@@ -102,72 +101,79 @@ void BuildKnots(const FitOptions& options, double* knots)
 // The least-squares system of all three coordinates: the basis values of each parameter, and where
 // among the free control points they begin. The last control points of a periodic curve are the
 // first ones again: its values wrap around, and where the free control points are fewer than the
-// order, several of them meet.
-class System
+// order, several of them meet. Basis values are made whenever they are wanted: with many points it
+// is the memory that would take the time.
+class System final : public Norvek::Math::Core::RunSource
 {
 public:
     System(const FitOptions& options, const double* knots, const Values& parameters)
-        : _columns(static_cast<std::size_t>(options.FreeCount())),
-          _order(static_cast<std::size_t>(options.order)),
-          _rows(parameters.size()),
-          _basis(std::make_unique_for_overwrite<double[]>(_rows * _order)),
-          _firsts(std::make_unique_for_overwrite<std::uint32_t[]>(_rows))
-    {
-        if (options.order == 4)
-            _Fill(std::integral_constant<int, 4>{}, options, knots, parameters);
-        else if (options.order == 3)
-            _Fill(std::integral_constant<int, 3>{}, options, knots, parameters);
-        else
-            _Fill(options.order, options, knots, parameters);
-    }
+        : _options(options),
+          _knots(knots),
+          _parameters(parameters),
+          _columns(static_cast<std::size_t>(options.FreeCount()))
+    {}
 
     [[nodiscard]] std::size_t Columns() const
     {
         return _columns;
     }
 
-    // Replaces the right-hand sides, x, y and z of each point, by the solution, in its first rows.
-    [[nodiscard]] bool Solve(Values& right) const
+    // Solves for the control points; the right-hand sides are x, y and z of each point.
+    [[nodiscard]] bool Solve(const double* right, Values& solution) const
     {
+        const std::size_t rows = _parameters.size();
+        solution.resize(3 * _columns);
         return Norvek::Math::Core::SolveLeastSquaresOfRuns(
-            {_rows, _columns, _order, _basis.get(), _firsts.get()}, {_rows, 3, right.data()});
+            {rows, _columns, static_cast<std::size_t>(_options.order), this}, {rows, 3, right},
+            solution.data());
+    }
+
+    void Make(std::size_t begin, std::size_t end, double* values,
+              std::uint32_t* firsts) const override
+    {
+        // The usual orders are unrolled.
+        if (_options.order == 4)
+            _Make(std::integral_constant<int, 4>{}, begin, end, values, firsts);
+        else if (_options.order == 3)
+            _Make(std::integral_constant<int, 3>{}, begin, end, values, firsts);
+        else
+            _Make(_options.order, begin, end, values, firsts);
     }
 
     // The points of the curve with these control points at all parameters.
     [[nodiscard]] Values Evaluate(const Values& solution) const
     {
-        Values points(3 * _rows);
-        for (std::size_t i = 0; i < _rows; ++i) {
-            for (std::size_t r = 0; r < _order; ++r) {
-                const double* const from = solution.data() + 3 * ((_firsts[i] + r) % _columns);
+        Values points(3 * _parameters.size());
+        Values basis(static_cast<std::size_t>(_options.order));
+        for (std::size_t i = 0; i < _parameters.size(); ++i) {
+            std::uint32_t first = 0;
+            Make(i, i + 1, basis.data(), &first);
+            for (std::size_t r = 0; r < basis.size(); ++r) {
+                const double* const from = solution.data() + 3 * ((first + r) % _columns);
                 for (std::size_t c = 0; c < 3; ++c)
-                    points[3 * i + c] += _basis[i * _order + r] * from[c];
+                    points[3 * i + c] += basis[r] * from[c];
             }
         }
         return points;
     }
 
 private:
-    // The usual orders are unrolled.
     template <class Order>
-    void _Fill(Order order, const FitOptions& options, const double* knots,
-               const Values& parameters)
+    void _Make(Order order, std::size_t begin, std::size_t end, double* values,
+               std::uint32_t* firsts) const
     {
-        double* row = _basis.get();
-        for (std::size_t i = 0; i < _rows; ++i, row += _order) {
-            const std::int32_t span = FindKnotSpan(order, options.count, knots, parameters[i]);
-            EvaluateBasis(parameters[i], order, knots + span, row, nullptr, nullptr);
-            _firsts[i] =
-                static_cast<std::uint32_t>(span - order) % static_cast<std::uint32_t>(_columns);
+        for (std::size_t i = begin; i < end; ++i, values += static_cast<std::ptrdiff_t>(order)) {
+            const double t = _parameters[i];
+            const std::int32_t span = FindKnotSpan(order, _options.count, _knots, t);
+            EvaluateBasis(t, order, _knots + span, values, nullptr, nullptr);
+            firsts[i - begin] = static_cast<std::uint32_t>(span - order);
         }
     }
 
+    const FitOptions& _options;
+    const double* _knots;
+    const Values& _parameters;
     std::size_t _columns;
-    std::size_t _order;
-    std::size_t _rows;
-    // Not set to zero first: with many points the memory is what takes the time.
-    std::unique_ptr<double[]> _basis;
-    std::unique_ptr<std::uint32_t[]> _firsts;
 };
 
 // The largest difference between a coordinate and that of the first point.
@@ -191,9 +197,10 @@ bool IsAccurate(const System& system, const Points& points, const Values& soluti
     Values lacking = system.Evaluate(solution);
     for (std::size_t i = 0; i < lacking.size(); ++i)
         lacking[i] = points.coordinates[i] - lacking[i];
-    if (!system.Solve(lacking))
+    Values missing;
+    if (!system.Solve(lacking.data(), missing))
         return false;
-    const Values moved = system.Evaluate(lacking);
+    const Values moved = system.Evaluate(missing);
     return std::all_of(moved.begin(), moved.end(),
                        [&](double value) { return std::abs(value) <= bound; });
 }
@@ -202,8 +209,8 @@ bool Fit(const FitOptions& options, const Points& points, const Values& paramete
          const NURBSCurv& curve)
 {
     const System system(options, curve.knots, parameters);
-    Values solution(points.coordinates, points.coordinates + 3 * points.count);
-    if (!system.Solve(solution) || !IsAccurate(system, points, solution))
+    Values solution;
+    if (!system.Solve(points.coordinates, solution) || !IsAccurate(system, points, solution))
         return false;
     for (std::size_t j = 0; j < static_cast<std::size_t>(options.count); ++j)
         std::copy_n(solution.data() + 3 * (j % system.Columns()), 3,

@@ -109,6 +109,26 @@ void Gather(const double* from, std::size_t stride, double factor, double* to, s
         to[i] = from[i * stride] * factor;
 }
 
+// H = I + v v' factor, v = (head, a column).
+struct Reflection
+{
+    double head = 0.0;
+    double factor = 0.0;
+};
+
+// Reflects a column, whose square is given, into the value r: v = (r - beta, column), with beta =
+// -sign(r) |(r, column)| and factor = 1 / (beta (r - beta)). A negligible column is let go: a
+// factor of 0 makes the reflection the identity. NaN is not negligible.
+Reflection ReflectInto(double& r, double square)
+{
+    if (square <= kNegligibleSquare)
+        return {};
+    const double beta = -std::copysign(std::sqrt(r * r + square), r);
+    const double head = r - beta;
+    r = beta;
+    return {head, 1.0 / (beta * head)};
+}
+
 } // namespace
 
 // At the beginning of every turn row `begin` is known to be zero left of the window.
@@ -118,10 +138,13 @@ bool BandedQR::Factorise(const double* factors, const double* rightFactors)
     _end = 0;
     _reach = 0;
     _r.clear();
+    _runsEnd = 0;
     std::size_t begin = 0;
     while (begin < _system.rows) {
         std::size_t end = begin;
-        if (!(_runs.values != nullptr ? _TakeRuns(end) : _TakeRows(end)))
+        if (_runs.source != nullptr && begin == _runsEnd)
+            _MakeRuns(begin);
+        if (!(_runs.source != nullptr ? _TakeRuns(end) : _TakeRows(end)))
             return false;
         if (end > begin)
             _Fold(begin, end, factors, rightFactors);
@@ -162,12 +185,22 @@ bool BandedQR::_TakeRows(std::size_t& i) const
     return true;
 }
 
-// The same for a matrix of runs. False also when a run passes the last column.
+// Makes the runs of a block. They are gone before the next one, still in the first-level cache.
+void BandedQR::_MakeRuns(std::size_t begin)
+{
+    _runsBegin = begin;
+    _runsEnd = std::min(_runs.rows, begin + kBlockRows);
+    _runValues.resize(kBlockRows * _runs.width);
+    _runFirsts.resize(kBlockRows);
+    _runs.source->Make(_runsBegin, _runsEnd, _runValues.data(), _runFirsts.data());
+}
+
+// The same for a matrix of runs, as far as they are made. False also when a run passes the last
+// column.
 bool BandedQR::_TakeRuns(std::size_t& i) const
 {
-    const std::size_t limit = std::min(_runs.rows, i + kBlockRows);
-    for (; i < limit; ++i) {
-        const std::size_t first = _runs.firsts[i];
+    for (; i < _runsEnd; ++i) {
+        const std::size_t first = _runFirsts[i - _runsBegin];
         if (first + _runs.width > _end)
             return first >= _first && first + _runs.width <= _runs.columns;
         if (first < _first)
@@ -193,8 +226,8 @@ bool BandedQR::_WidenWindow(std::size_t i)
 // Moves the window's ends to those of row i.
 void BandedQR::_OpenWindow(std::size_t i)
 {
-    if (_runs.values != nullptr) {
-        _first = _runs.firsts[i];
+    if (_runs.source != nullptr) {
+        _first = _runFirsts[i - _runsBegin];
         _end = _first + _runs.width;
         return;
     }
@@ -234,6 +267,10 @@ void BandedQR::_Fold(std::size_t begin, std::size_t end, const double* factors,
 {
     if (_reach == 0)
         return;
+    if (end - begin == 1) {
+        _FoldRow(begin, factors, rightFactors);
+        return;
+    }
     const std::size_t paddedRows = _Load(begin, end, factors, rightFactors);
     const std::size_t columns = _end - _first + _right.columns;
     for (std::size_t c = 0; c < columns; ++c)
@@ -257,7 +294,7 @@ std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* fa
     const std::size_t rows = end - begin;
     const std::size_t paddedRows = (rows + kLanes - 1) / kLanes * kLanes;
     double* to = _block.data();
-    if (_runs.values != nullptr) {
+    if (_runs.source != nullptr) {
         _LoadRuns(begin, end, factors);
         to += (_end - _first) * kColumnRoom;
     }
@@ -266,7 +303,7 @@ std::size_t BandedQR::_Load(std::size_t begin, std::size_t end, const double* fa
         std::fill(to + rows, to + paddedRows, 0.0);
         to += kColumnRoom;
     };
-    for (std::size_t j = _first; _runs.values == nullptr && j < _end; ++j) {
+    for (std::size_t j = _first; _runs.source == nullptr && j < _end; ++j) {
         _FetchAhead(end + (j - _first), std::min(end + rows, _system.rows), _end - _first);
         load(_Row(begin) + j, _system.columns, factors == nullptr ? 1.0 : factors[j]);
     }
@@ -281,31 +318,54 @@ void BandedQR::_LoadRuns(std::size_t begin, std::size_t end, const double* facto
     const std::size_t paddedRows = (end - begin + kLanes - 1) / kLanes * kLanes;
     for (std::size_t j = 0; j < _end - _first; ++j)
         std::fill_n(_block.data() + j * kColumnRoom, paddedRows, 0.0);
-    const double* run = _runs.values + begin * _runs.width;
+    const double* run = _runValues.data() + (begin - _runsBegin) * _runs.width;
     for (std::size_t i = begin; i < end; ++i, run += _runs.width) {
-        double* to = _block.data() + (_runs.firsts[i] - _first) * kColumnRoom + (i - begin);
+        const std::size_t first = _runFirsts[i - _runsBegin];
+        double* to = _block.data() + (first - _first) * kColumnRoom + (i - begin);
         for (std::size_t r = 0; r < _runs.width; ++r, to += kColumnRoom)
-            *to = run[r] * (factors == nullptr ? 1.0 : factors[_runs.firsts[i] + r]);
+            *to = run[r] * (factors == nullptr ? 1.0 : factors[first + r]);
     }
 }
 
-// Reflects column k of the block into the diagonal r of R's row: v = (r - beta, block column), with
-// beta = -sign(r) |(r, block column)|, and H = I + v v' / (beta (r - beta)). A negligible column
-// is let go: a factor of 0 makes the reflection the identity. NaN is not negligible.
+// The same for a block of a single row, which lies side by side: where there are hardly more rows
+// than columns, nearly all of them stand alone.
+void BandedQR::_FoldRow(std::size_t i, const double* factors, const double* rightFactors)
+{
+    const std::size_t width = _end - _first;
+    double* const x = _block.data();
+    // All runs of a window begin where it does, since they are as long as it.
+    const double* const from = _runs.source != nullptr
+                                   ? _runValues.data() + (i - _runsBegin) * _runs.width
+                                   : _Row(i) + _first;
+    for (std::size_t r = 0; r < width; ++r)
+        x[r] = from[r] * (factors == nullptr ? 1.0 : factors[_first + r]);
+    for (std::size_t c = 0; c < _right.columns; ++c)
+        x[width + c] = _right.values[i * _right.columns + c] *
+                       (rightFactors == nullptr ? 1.0 : rightFactors[c]);
+    for (std::size_t k = 0; k < width; ++k) {
+        double* const row = _r.data() + (_first + k) * (_reach + _right.columns);
+        const double v = x[k];
+        const auto [head, factor] = ReflectInto(row[0], v * v);
+        const auto apply = [&, head = head, factor = factor](double* inRow, double* column,
+                                                             std::size_t columns) {
+            for (std::size_t c = 0; c < columns; ++c) {
+                const double s = (head * inRow[c] + v * column[c]) * factor;
+                inRow[c] += s * head;
+                column[c] += s * v;
+            }
+        };
+        apply(row + 1, x + k + 1, width - k - 1);
+        apply(row + _reach, x + width, _right.columns);
+    }
+}
+
+// Reflects column k of the block into the diagonal of R's row.
 void BandedQR::_Reflect(std::size_t k, std::size_t columns, std::size_t paddedRows)
 {
     const std::size_t width = _end - _first;
     double* const row = _r.data() + (_first + k) * (_reach + _right.columns);
     const double* const v = _block.data() + k * kColumnRoom;
-    const double square = _products[k];
-    double head = 0.0;
-    double factor = 0.0;
-    if (!(square <= kNegligibleSquare)) {
-        const double beta = -std::copysign(std::sqrt(row[0] * row[0] + square), row[0]);
-        head = row[0] - beta;
-        factor = 1.0 / (beta * head);
-        row[0] = beta;
-    }
+    const auto [head, factor] = ReflectInto(row[0], _products[k]);
     const double* const next = v + kColumnRoom;
     const bool isLast = k + 1 == width;
     for (std::size_t c = k + 1; c < columns; ++c) {

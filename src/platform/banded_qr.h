@@ -3,6 +3,7 @@
 #include "platform/least_squares.h"
 #include "platform/upper_triangle.h"
 
+#include <cstdint>
 #include <vector>
 
 namespace Norvek::Math::Core
@@ -22,13 +23,13 @@ class BandedQR
 {
 public:
     /// Both matrices stay where they are and are read in `Factorise` alone.
-    BandedQR(const ConstMatrixView& system, const MatrixView& rightHandSides)
+    BandedQR(const ConstMatrixView& system, const ConstMatrixView& rightHandSides)
         : _system(system),
           _right(rightHandSides)
     {}
 
-    /// For a matrix of runs, which tell where the nonzero values are.
-    BandedQR(const ConstRunsView& system, const MatrixView& rightHandSides)
+    /// For a matrix of runs, which tell where the nonzero values are. They are made block by block.
+    BandedQR(const RunsView& system, const ConstMatrixView& rightHandSides)
         : _system{system.rows, system.columns, nullptr},
           _runs(system),
           _right(rightHandSides)
@@ -63,6 +64,7 @@ private:
     }
 
     [[nodiscard]] bool _TakeRows(std::size_t& i) const;
+    void _MakeRuns(std::size_t begin);
     [[nodiscard]] bool _TakeRuns(std::size_t& i) const;
     void _OpenWindow(std::size_t i);
     [[nodiscard]] bool _WidenWindow(std::size_t i);
@@ -72,13 +74,19 @@ private:
     std::size_t _Load(std::size_t begin, std::size_t end, const double* factors,
                       const double* rightFactors);
     void _LoadRuns(std::size_t begin, std::size_t end, const double* factors);
+    void _FoldRow(std::size_t i, const double* factors, const double* rightFactors);
     void _FetchAhead(std::size_t begin, std::size_t end, std::size_t step) const;
     void _Reflect(std::size_t k, std::size_t columns, std::size_t paddedRows);
 
     // A as a dense matrix; without values when it is one of runs.
     ConstMatrixView _system;
-    ConstRunsView _runs;
-    MatrixView _right;
+    RunsView _runs;
+    ConstMatrixView _right;
+    // The runs of rows _runsBegin .. _runsEnd - 1.
+    std::size_t _runsBegin = 0;
+    std::size_t _runsEnd = 0;
+    std::vector<double> _runValues;
+    std::vector<std::uint32_t> _runFirsts;
     // The window: columns _first .. _end - 1.
     std::size_t _first = 0;
     std::size_t _end = 0;

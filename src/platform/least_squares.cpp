@@ -49,20 +49,23 @@ std::optional<Exponents> ColumnExponents(const ConstMatrixView& matrix)
     return exponents;
 }
 
-Values Dense(const ConstRunsView& runs)
+Values Dense(const RunsView& runs)
 {
     Values values(runs.rows * runs.columns);
+    Values run(runs.width);
     for (std::size_t i = 0; i < runs.rows; ++i) {
-        std::size_t column = runs.firsts[i];
-        for (std::size_t r = 0; r < runs.width; ++r) {
-            values[i * runs.columns + column] += runs.values[i * runs.width + r];
+        std::uint32_t first = 0;
+        runs.source->Make(i, i + 1, run.data(), &first);
+        std::size_t column = first;
+        for (const double value : run) {
+            values[i * runs.columns + column] += value;
             column = column + 1 == runs.columns ? 0 : column + 1;
         }
     }
     return values;
 }
 
-std::optional<Exponents> ColumnExponents(const ConstRunsView& runs)
+std::optional<Exponents> ColumnExponents(const RunsView& runs)
 {
     return ColumnExponents({runs.rows, runs.columns, Dense(runs).data()});
 }
@@ -75,11 +78,12 @@ Values Factors(const Exponents& exponents)
     return factors;
 }
 
+// Rows and columns; whether there are values is asked elsewhere.
 template <class System>
-bool AreShapesSolvable(const System& system, const MatrixView& right)
+bool AreShapesSolvable(const System& system, const ConstMatrixView& right)
 {
     return system.columns > 0 && system.rows >= system.columns && right.columns > 0 &&
-           right.rows == system.rows && system.values != nullptr && right.values != nullptr;
+           right.rows == system.rows && right.values != nullptr;
 }
 
 // Every product with 0 is 0, unless a factor is infinite or not a number.
@@ -111,14 +115,14 @@ struct Reduced
 };
 
 // Solves with R and writes the solutions, unless R is short of rank or one of them is not finite.
-bool Deliver(Reduced& reduced, const MatrixView& right)
+bool Deliver(Reduced& reduced, const MatrixView& solution)
 {
     const std::size_t n = reduced.r.columns;
     Values work(n);
     if (!HasFullRank(reduced.r, reduced.lengths.data(), work.data()))
         return false;
-    SolveUpper(reduced.r, reduced.projected.data(), right.columns);
-    for (std::size_t c = 0; c < right.columns; ++c) {
+    SolveUpper(reduced.r, reduced.projected.data(), solution.columns);
+    for (std::size_t c = 0; c < solution.columns; ++c) {
         double* const x = reduced.projected.data() + c * n;
         for (std::size_t k = 0; k < n; ++k) {
             const int exponent = reduced.rightExponents[c] - reduced.exponents[reduced.order[k]];
@@ -128,9 +132,9 @@ bool Deliver(Reduced& reduced, const MatrixView& right)
                 return false;
         }
     }
-    for (std::size_t c = 0; c < right.columns; ++c) {
+    for (std::size_t c = 0; c < solution.columns; ++c) {
         for (std::size_t k = 0; k < n; ++k)
-            right.values[reduced.order[k] * right.columns + c] = reduced.projected[c * n + k];
+            solution.values[reduced.order[k] * solution.columns + c] = reduced.projected[c * n + k];
     }
     return true;
 }
@@ -142,7 +146,7 @@ bool IsPlain(double magnitude)
 
 // Whether Q'b of every right-hand side has a magnitude that needs no scaling. That of a right-hand
 // side of zeros needs none.
-bool AreProjectionsPlain(const BandedQR& qr, const MatrixView& right)
+bool AreProjectionsPlain(const BandedQR& qr, const ConstMatrixView& right)
 {
     for (std::size_t c = 0; c < right.columns; ++c) {
         double largest = 0.0;
@@ -168,7 +172,7 @@ enum class Outcome
 // Hardly any system needs scaling, and to look for the largest values would take as long as the
 // factorisation of a narrow one: it is tried without, and repeated when the result says so.
 template <class System>
-Outcome SolveBanded(const System& system, const MatrixView& right)
+Outcome SolveBanded(const System& system, const ConstMatrixView& right, double* solution)
 {
     const std::size_t n = system.columns;
     BandedQR qr(system, right);
@@ -185,7 +189,7 @@ Outcome SolveBanded(const System& system, const MatrixView& right)
         !AreProjectionsPlain(qr, right))
     {
         auto exponents = ColumnExponents(system);
-        auto rightExponents = ColumnExponents({right.rows, right.columns, right.values});
+        auto rightExponents = ColumnExponents(right);
         if (!exponents || !rightExponents)
             return Outcome::Failed;
         reduced.exponents = std::move(*exponents);
@@ -201,14 +205,14 @@ Outcome SolveBanded(const System& system, const MatrixView& right)
         for (std::size_t c = 0; c < right.columns; ++c)
             reduced.projected[c * n + j] = qr.Projected(j)[c];
     }
-    return Deliver(reduced, right) ? Outcome::Solved : Outcome::Failed;
+    return Deliver(reduced, {n, right.columns, solution}) ? Outcome::Solved : Outcome::Failed;
 }
 
-bool SolvePivoted(const ConstMatrixView& system, const MatrixView& right)
+bool SolvePivoted(const ConstMatrixView& system, const ConstMatrixView& right, double* solution)
 {
     const std::size_t n = system.columns;
     auto exponents = ColumnExponents(system);
-    auto rightExponents = ColumnExponents({right.rows, right.columns, right.values});
+    auto rightExponents = ColumnExponents(right);
     if (!exponents || !rightExponents)
         return false;
     PivotedQR qr = FactorisePivoted(system, right, Factors(*exponents), Factors(*rightExponents));
@@ -220,17 +224,18 @@ bool SolvePivoted(const ConstMatrixView& system, const MatrixView& right)
                     .exponents = std::move(*exponents),
                     .rightExponents = std::move(*rightExponents)};
     ColumnLengths(reduced.r, reduced.lengths.data());
-    return Deliver(reduced, right);
+    return Deliver(reduced, {n, right.columns, solution});
 }
 
 // `solveFull` is asked when A is not banded.
 template <class System, class SolveFull>
-bool Solve(const System& system, const MatrixView& right, const SolveFull& solveFull)
+bool Solve(const System& system, const ConstMatrixView& right, double* solution,
+           const SolveFull& solveFull)
 {
     if (!AreShapesSolvable(system, right) || !AreFinite(right.values, right.rows * right.columns))
         return false;
     try {
-        const Outcome outcome = SolveBanded(system, right);
+        const Outcome outcome = SolveBanded(system, right, solution);
         return outcome == Outcome::NotBanded ? solveFull() : outcome == Outcome::Solved;
     } catch (const std::exception&) {
         // No memory, or a size beyond what a vector holds.
@@ -243,14 +248,20 @@ bool Solve(const System& system, const MatrixView& right, const SolveFull& solve
 bool SolveDenseLeastSquares(const ConstMatrixView& system,
                             const MatrixView& rightHandSides) noexcept
 {
-    return Solve(system, rightHandSides, [&] { return SolvePivoted(system, rightHandSides); });
+    const ConstMatrixView right{rightHandSides.rows, rightHandSides.columns, rightHandSides.values};
+    return system.values != nullptr && Solve(system, right, rightHandSides.values, [&] {
+               return SolvePivoted(system, right, rightHandSides.values);
+           });
 }
 
-bool SolveLeastSquaresOfRuns(const ConstRunsView& system, const MatrixView& rightHandSides) noexcept
+bool SolveLeastSquaresOfRuns(const RunsView& system, const ConstMatrixView& rightHandSides,
+                             double* solution) noexcept
 {
-    return system.firsts != nullptr && Solve(system, rightHandSides, [&] {
+    return system.source != nullptr && solution != nullptr &&
+           Solve(system, rightHandSides, solution, [&] {
                const Values dense = Dense(system);
-               return SolvePivoted({system.rows, system.columns, dense.data()}, rightHandSides);
+               return SolvePivoted({system.rows, system.columns, dense.data()}, rightHandSides,
+                                   solution);
            });
 }
 

@@ -22,16 +22,27 @@ struct MatrixView
     double* values = nullptr;
 };
 
-/// A matrix of runs to read: row i has `width` values, from column `firsts[i]` on, and zeros
-/// elsewhere. A run that passes the last column goes on at the first; values that meet in a column
-/// add up. The runs stand one after the other without gaps. Every first column is below `columns`.
-struct ConstRunsView
+/// Makes the rows of a matrix of runs when they are wanted.
+class RunSource
+{
+public:
+    virtual ~RunSource() = default;
+
+    /// Writes the runs of rows `begin` to `end - 1`, one after the other without gaps, and the
+    /// column at which each begins. Rows may be asked for again and are the same then.
+    virtual void Make(std::size_t begin, std::size_t end, double* values,
+                      std::uint32_t* firsts) const = 0;
+};
+
+/// A matrix of runs: a row has `width` values, from its first column on, and zeros elsewhere. A run
+/// that passes the last column goes on at the first; values that meet in a column add up. Every
+/// first column is below `columns`.
+struct RunsView
 {
     std::size_t rows = 0;
     std::size_t columns = 0;
     std::size_t width = 0;
-    const double* values = nullptr;
-    const std::uint32_t* firsts = nullptr;
+    const RunSource* source = nullptr;
 };
 
 /// Minimises |A x - b| for every column b of `rightHandSides`; A is `system`, m x n with m >= n.
@@ -62,9 +73,11 @@ struct ConstRunsView
 [[nodiscard]] bool SolveDenseLeastSquares(const ConstMatrixView& system,
                                           const MatrixView& rightHandSides) noexcept;
 
-/// The same for a matrix of runs. Where they advance it is solved in O(rows * width^2) and takes no
-/// memory for the zeros; otherwise it is handed on as a dense matrix.
-[[nodiscard]] bool SolveLeastSquaresOfRuns(const ConstRunsView& system,
-                                           const MatrixView& rightHandSides) noexcept;
+/// The same for a matrix of runs, with the solution in an array of its own, of `columns` rows.
+/// Where the runs advance it is solved in O(rows * width^2), and only some rows exist at any time:
+/// the memory does not grow with their number. Otherwise it is handed on as a dense matrix.
+[[nodiscard]] bool SolveLeastSquaresOfRuns(const RunsView& system,
+                                           const ConstMatrixView& rightHandSides,
+                                           double* solution) noexcept;
 
 } // namespace Norvek::Math::Core

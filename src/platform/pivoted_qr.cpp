@@ -27,7 +27,7 @@ Eigen::MatrixXd Scaled(const double* values, std::size_t rows, const std::vector
 
 } // namespace
 
-PivotedQR FactorisePivoted(const ConstMatrixView& system, const MatrixView& rightHandSides,
+PivotedQR FactorisePivoted(const ConstMatrixView& system, const ConstMatrixView& rightHandSides,
                            const std::vector<double>& factors,
                            const std::vector<double>& rightFactors)
 {

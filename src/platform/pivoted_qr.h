@@ -22,7 +22,7 @@ struct PivotedQR
 /// A's column j is multiplied by `factors[j]` beforehand, and b's column c by `rightFactors[c]`,
 /// which leave all values finite and far from overflow. Throws `std::bad_alloc`.
 [[nodiscard]] PivotedQR FactorisePivoted(const ConstMatrixView& system,
-                                         const MatrixView& rightHandSides,
+                                         const ConstMatrixView& rightHandSides,
                                          const std::vector<double>& factors,
                                          const std::vector<double>& rightFactors);
 

@@ -6,8 +6,8 @@
 
 #include <array>
 #include <cmath>
+#include <iterator>
 #include <numeric>
-#include <utility>
 
 namespace
 {
@@ -17,67 +17,55 @@ using norvek_test::Random;
 using norvek_test::RandomCurve;
 using Vector = std::vector<double>;
 
-TEST(NurbsStatus, TheHighestTextWins)
+TEST(Nurbs, TheHighestTextOfAStatusWins)
 {
-    const std::pair<std::int32_t, const wchar_t*> cases[] = {
-        {0, L"before"},
-        {1, L"Memory Error"},
-        {3, L"Unknown Error"},
-        {5, L"Measurment Point Error"},
-        {6, L"Parametrisation Error"},
-        {7, L"Close Status Error in u direction"},
-        {8, L"Close Status Error in v direction"},
-        {9, L"u - order Error"},
-        {10, L"v - order Error"},
-        {11, L"Number of Control Points Error in u-direction"},
-        {12, L"Number of Control Points Error in v-direction"},
-        {16, L"Least Square Fit Error"},
-        {0x40, L"Curve Parametrisation Warning"},
-        {0xC0, L"Close status in u-direction Warning"},
-        {0x1C0, L"Close status in v-direction Warning"},
-        {0x245, L"Order in u-direction Warning"},
-        {0x400 | 3, L"Order in v-direction Warning"},
-        {0x800, L"Number of Control Points in u-direction Warning"},
-        {0x1FC0, L"Number of Control Points in v-direction Warning"},
-        {0x2000, L"before"},
-    };
-    for (const auto& [status, text] : cases) {
+    std::wstring texts;
+    for (const int status : {0x2000, 1, 3, 5, 6, 7, 8, 9, 10, 11, 12, 16, 0x40, 0xC0, 0x1C0, 0x245,
+                             0x423, 0x800, 0x1FC0})
+    {
         std::wstring message = L"before";
         EXPECT_EQ(NURBS_ERROR_HANDLING(message, status), (status & 63) != 0) << status;
-        EXPECT_EQ(message, text) << status;
+        texts += message;
+        texts += L'|';
     }
+    EXPECT_EQ(texts, L"before|Memory Error|Unknown Error|Measurment Point Error|"
+                     L"Parametrisation Error|Close Status Error in u direction|"
+                     L"Close Status Error in v direction|u - order Error|v - order Error|"
+                     L"Number of Control Points Error in u-direction|"
+                     L"Number of Control Points Error in v-direction|Least Square Fit Error|"
+                     L"Curve Parametrisation Warning|Close status in u-direction Warning|"
+                     L"Close status in v-direction Warning|Order in u-direction Warning|"
+                     L"Order in v-direction Warning|"
+                     L"Number of Control Points in u-direction Warning|"
+                     L"Number of Control Points in v-direction Warning|");
 }
 
-// The recursion as it is written down, a table row for each order: values, first and second
-// derivatives.
+// Values, first and second derivatives of an order by the recursion as it is written down.
 std::array<Vector, 3> PlainBasis(double t, int order, const double* knots, int span)
 {
-    std::array<Vector, 3> rows{Vector{1.0}, Vector{0.0}, Vector{0.0}};
-    for (int j = 1; j < order; ++j) {
-        const auto size = static_cast<std::size_t>(j);
-        // Quotients 1 to j, between zeros.
-        Vector q(size + 2), q1(size + 2);
-        for (std::size_t r = 0; r < size; ++r) {
-            const double difference =
-                knots[span + static_cast<int>(r)] - knots[span - j + static_cast<int>(r)];
-            q[r + 1] = std::abs(difference) > 1e-11 ? rows[0][r] / difference : 0.0;
-            q1[r + 1] = std::abs(difference) > 1e-11 ? rows[1][r] / difference : 0.0;
-        }
-        for (Vector& row : rows)
-            row.resize(size + 1);
-        for (int r = 0; r <= j; ++r) {
-            const auto i = static_cast<std::size_t>(r);
-            const double down = r > 0 ? (t - knots[span - j + r - 1]) * q[i] : 0.0;
-            rows[0][i] = down + (r < j ? (knots[span + r] - t) * q[i + 1] : 0.0);
-            rows[1][i] = j * (q[i] - q[i + 1]);
-            rows[2][i] = j * (q1[i] - q1[i + 1]);
-        }
+    if (order == 1)
+        return {Vector{1.0}, Vector{0.0}, Vector{0.0}};
+    const auto lower = PlainBasis(t, order - 1, knots, span);
+    const auto size = static_cast<std::size_t>(order);
+    std::array<Vector, 3> rows{Vector(size), Vector(size), Vector(size)};
+    const double* const to = knots + span;
+    const double* const from = to - order + 1;
+    const auto quotient = [&](const Vector& row, int r) {
+        const bool isZero = r < 0 || r == order - 1 || std::abs(to[r] - from[r]) <= 1e-11;
+        return isZero ? 0.0 : row[static_cast<std::size_t>(r)] / (to[r] - from[r]);
+    };
+    for (int r = 0; r < order; ++r) {
+        const auto i = static_cast<std::size_t>(r);
+        const double down = r > 0 ? (t - from[r - 1]) * quotient(lower[0], r - 1) : 0.0;
+        rows[0][i] = down + (r + 1 < order ? (to[r] - t) * quotient(lower[0], r) : 0.0);
+        for (std::size_t d : {1U, 2U})
+            rows[d][i] = (order - 1) * (quotient(lower[d - 1], r - 1) - quotient(lower[d - 1], r));
     }
     return rows;
 }
 
-// The search and the quotient rule as they are written down.
-std::array<Nurbs::Point, 3> PlainCurve(const NURBSCurv& c, double t)
+// The search and the quotient rule as they are written down, and the weight.
+std::array<Nurbs::Point, 3> PlainCurve(const NURBSCurv& c, double t, double& w)
 {
     int span = c.order;
     while (span < c.numControlPoints && !(t < c.knots[span]))
@@ -92,7 +80,7 @@ std::array<Nurbs::Point, 3> PlainCurve(const NURBSCurv& c, double t)
                            c.controlPoints[span - c.order + r].coordinates[i];
         }
     }
-    const double w = a[0][3];
+    w = a[0][3];
     for (int i = 0; i < 3; ++i) {
         const double c0 = a[0][i] / w;
         const double c1 = (a[1][i] - a[1][3] * c0) / w;
@@ -103,7 +91,6 @@ std::array<Nurbs::Point, 3> PlainCurve(const NURBSCurv& c, double t)
     return p;
 }
 
-// The same number, or both NaN.
 bool AreSame(double a, double b)
 {
     return a == b || (a != a && b != b);
@@ -112,63 +99,40 @@ bool AreSame(double a, double b)
 TEST(NurbsCurve, HasTheBitsOfTheRecursionWrittenDown)
 {
     Random random(901);
-    int evaluated = 0;
-    for (int i = 0; i < 3000; ++i) {
+    for (int i = 0; i < 2000; ++i) {
         const int order = i % 2 == 0 ? 3 + i / 2 % 2 : random.Integer(1, 24);
         const RandomCurve c(random, order, order + random.Integer(0, 60));
+        const double start = c.record.startParameter;
         const double end = c.record.endParameter;
-        for (const double t : {random.Uniform(c.record.startParameter, end), end, end + 1.0, -1.0,
+        const double middle = end - 0.1;
+        const auto basis = PlainBasis(middle, order, c.record.knots, c.record.numControlPoints);
+        Vector n(basis[0].size()), n1(n), n2(n);
+        double* const first = i % 3 == 0 ? nullptr : n1.data();
+        double* const second = i % 3 == 1 ? nullptr : n2.data();
+        bc_eval_b_code_sub(middle, order, c.record.knots, c.record.numControlPoints, n.data(),
+                           first, second);
+        EXPECT_TRUE(n == basis[0] && (first == nullptr || n1 == basis[1]) &&
+                    (second == nullptr || n2 == basis[2]));
+        const double sum = std::accumulate(n.begin(), n.end(), 0.0);
+        EXPECT_TRUE(end - c.knots[c.points.size() - 1] < 0.2 ||
+                    std::abs(sum - 1.0) <= order * kEpsilon);
+        for (const double t : {random.Uniform(start, end), start, end, end + 1.0, -1.0,
                                c.knots[static_cast<std::size_t>(order)], double{NAN}})
         {
-            const auto expected = PlainCurve(c.record, t);
+            double w = 0.0;
+            const auto expected = PlainCurve(c.record, t, w);
             for (int derivatives = 0; derivatives < 3; ++derivatives) {
                 Nurbs::Point p[3];
+                const int status = nurbs_curv_eval(derivatives, c.record, t, p);
                 // A span as short as the guard has no basis, and hence no weight.
-                if (nurbs_curv_eval(derivatives, c.record, t, p) != 0)
-                    continue;
-                ++evaluated;
-                for (std::size_t v = 0; v < 3 * static_cast<std::size_t>(derivatives + 1); ++v)
+                ASSERT_EQ(status, std::abs(w) <= 1e-11 ? 16 : 0) << order;
+                for (int v = 0; status == 0 && v < 3 * (derivatives + 1); ++v)
                     ASSERT_TRUE(
-                        AreSame(p[v / 3].coordinates[v % 3], expected[v / 3].coordinates[v % 3]))
-                        << order << ' ' << t << ' ' << v;
+                        AreSame(p[v / 3].coordinates[v % 3],
+                                expected[static_cast<std::size_t>(v / 3)].coordinates[v % 3]))
+                        << order << ' ' << t;
             }
         }
-    }
-    EXPECT_GT(evaluated, 30000);
-}
-
-TEST(NurbsBasis, SumsToOneAndIsTheOneOfCurves)
-{
-    Random random(902);
-    for (int order = 1; order <= 40; ++order) {
-        RandomCurve c(random, order, order + 5);
-        std::iota(c.knots.begin(), c.knots.end(), 0.0);
-        const double t = order + random.Uniform(0.0, 1.0);
-        const auto plain = PlainBasis(t, order, c.knots.data(), order + 1);
-        Vector n(plain[0].size()), n1(n), n2(n);
-        bc_eval_b_code_sub(t, order, c.knots.data(), order + 1, n.data(), nullptr, n2.data());
-        EXPECT_TRUE(n == plain[0] && n2 == plain[2]);
-        bc_eval_b_code_sub(t, order, c.knots.data(), order + 1, n.data(), n1.data(), nullptr);
-        EXPECT_TRUE(n == plain[0] && n1 == plain[1]);
-        EXPECT_NEAR(std::accumulate(n.begin(), n.end(), 0.0), 1.0, order * kEpsilon);
-    }
-}
-
-// (1 - t^2, 2 t) / (1 + t^2), whose derivatives are known, also beyond its ends.
-TEST(NurbsCurve, ARationalQuarterCircleHasItsRadiusAndItsDerivatives)
-{
-    double knots[] = {0, 0, 0, 1, 1, 1};
-    Point4D points[] = {{{1, 0, 5, 1}}, {{1, 1, 5, 1}}, {{0, 2, 10, 2}}};
-    for (int i = -500; i <= 1500; ++i) {
-        const double t = i / 1000.0;
-        const double s = 1.0 + t * t;
-        Nurbs::Point p[3];
-        ASSERT_EQ(nurbs_curv_eval(2, 3, 3, knots, points, t, p), 0);
-        EXPECT_NEAR(std::hypot(p[0].x, p[0].y), 1.0, 8 * kEpsilon) << t;
-        EXPECT_NEAR(p[1].x, -4 * t / (s * s), 40 * kEpsilon);
-        EXPECT_NEAR(p[1].y, 2 * (1 - t * t) / (s * s), 40 * kEpsilon);
-        EXPECT_NEAR(p[2].x, (12 * t * t - 4) / (s * s * s), 200 * kEpsilon);
-        EXPECT_NEAR(p[2].y, 4 * t * (t * t - 3) / (s * s * s), 200 * kEpsilon);
     }
 }
 
@@ -177,7 +141,7 @@ TEST(NurbsCurve, ARationalQuarterCircleHasItsRadiusAndItsDerivatives)
 TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
 {
     const double s = std::sqrt(0.5);
-    const double profile[3][3] = {{1, 0, 1}, {1, 1, 1}, {0, 1, 2}};
+    const double profile[3][3] = {{1, 0, -1}, {1, 1, -1}, {0, 1, -2}};
     const double turn[5][3] = {{1, 0, 1}, {1, 1, s}, {0, 1, 1}, {-1, 1, s}, {-1, 0, 1}};
     std::vector<Point4D> grid;
     for (const auto& [r, z, wu] : profile) {
@@ -187,9 +151,8 @@ TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
     double knotsU[] = {0, 0, 0, 1, 1, 1};
     double knotsV[] = {0, 0, 0, 2, 2, 4, 4, 4};
     NURBSSurf surface{3, 3, knotsU, 0, 1, 3, 5, knotsV, 0, 4, grid.data()};
-    Random random(903);
     for (int i = 0; i < 1000; ++i) {
-        const Point2D at{{random.Uniform(0.0, 1.0), random.Uniform(0.0, 4.0)}};
+        const Point2D at{{(i % 37 + 0.5) / 37.0, (i + 0.5) / 250.0}};
         Nurbs::Point p[6];
         ASSERT_EQ(nurbs_surf_eval(2, &surface, at, p), 0);
         const auto dot = [&p](int a, int b) {
@@ -199,43 +162,50 @@ TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
         // Neither parameter stands still, but for parallels towards the pole.
         EXPECT_GE(dot(1, 1), 0.9);
         EXPECT_GE(dot(2, 2), 0.2 * (1.0 - p[0].z * p[0].z));
-        EXPECT_NEAR(dot(0, 1), 0.0, 60 * kEpsilon);
-        EXPECT_NEAR(dot(0, 2), 0.0, 60 * kEpsilon);
+        EXPECT_NEAR(std::abs(dot(0, 1)) + std::abs(dot(0, 2)), 0.0, 60 * kEpsilon);
         EXPECT_NEAR(dot(0, 3) + dot(1, 1), 0.0, 300 * kEpsilon);
         EXPECT_NEAR(dot(0, 4) + dot(1, 2), 0.0, 300 * kEpsilon);
         EXPECT_NEAR(dot(0, 5) + dot(2, 2), 0.0, 300 * kEpsilon);
+        // Meridians and parallels stay square to each other.
+        EXPECT_NEAR(dot(2, 3) + dot(1, 4), 0.0, 300 * kEpsilon);
+        EXPECT_NEAR(dot(2, 4) + dot(1, 5), 0.0, 300 * kEpsilon);
+        // The second derivatives along either direction are differences of the first.
+        for (const int d : {0, 1}) {
+            Point2D before = at;
+            Point2D after = at;
+            before.coordinates[d] -= 1e-5;
+            after.coordinates[d] += 1e-5;
+            Nurbs::Point low[3], high[3];
+            nurbs_surf_eval(1, &surface, before, low);
+            nurbs_surf_eval(1, &surface, after, high);
+            EXPECT_NEAR((high[1 + d].x - low[1 + d].x) / 2e-5, p[3 + 2 * d].x, 1e-6);
+        }
     }
 }
 
-TEST(NurbsCurve, RefusesWithoutWritingAndReadsOnlyTheSpan)
+TEST(Nurbs, RefusesWithoutWritingAndReadsOnlyTheSpan)
 {
     double knots[] = {0, 0, 0, 0, 0.25, 0.5, 0.75, 1, 1, 1, 1};
     Point4D points[7];
     std::fill_n(points, 7, Point4D{{NAN, NAN, NAN, NAN}});
     std::fill_n(points + 2, 4, Point4D{{3, 4, 5, 1}});
     Nurbs::Point p{{7, 8, 9}};
-    const auto curve = [&](int derivatives, int order, int count, double* k, Point4D* c) {
-        return nurbs_curv_eval(derivatives, order, count, k, c, 0.6, &p);
+    const auto curve = [&](int derivatives, int order, int count, double* k) {
+        return nurbs_curv_eval(derivatives, order, count, k, points, 0.6, &p);
     };
-    const auto surface = [&](int orderU, int countU, int orderV, double* knotsV, Point4D* c) {
-        NURBSSurf s{orderU, countU, knots, 0, 1, orderV, 7, knotsV, 0, 1, c};
+    const auto surface = [&](int orderU, int orderV, Point4D* c) {
+        NURBSSurf s{orderU, 1, knots, 0, 1, orderV, 7, knots, 0, 1, c};
         return nurbs_surf_eval(0, &s, {{0.6, 0.6}}, &p);
     };
-    EXPECT_EQ(curve(0, 4, 7, knots, points), 0);
+    EXPECT_EQ(curve(0, 4, 7, knots), 0);
     p = {{7, 8, 9}};
     for (int i = 2; i < 6; ++i)
-        points[i].w = 1e-12 * i;
-    EXPECT_EQ(curve(2, 4, 7, knots, points), 16);
-    EXPECT_EQ(surface(1, 1, 4, knots, points), 16);
-    EXPECT_EQ(curve(0, 0, 7, knots, points), 9);
-    EXPECT_EQ(surface(0, 7, 4, knots, points), 9);
-    EXPECT_EQ(surface(1, 1, -4, knots, points), 10);
-    EXPECT_EQ(curve(0, 4, 3, knots, points), 11);
-    EXPECT_EQ(curve(0, 4, 7, nullptr, points), 11);
-    EXPECT_EQ(surface(1, 1, 4, knots, nullptr), 11);
-    EXPECT_EQ(nurbs_surf_eval(0, nullptr, {{0.0, 0.0}}, &p), 11);
-    EXPECT_EQ(surface(1, 1, 8, knots, points), 12);
-    EXPECT_EQ(curve(3, 4, 7, knots, points), 2);
+        points[i].w = 2.5e-12 * i;
+    EXPECT_TRUE(curve(2, 4, 7, knots) == 16 && surface(1, 4, points) == 16);
+    EXPECT_TRUE(curve(0, 0, 7, knots) == 9 && surface(0, 4, points) == 9);
+    EXPECT_TRUE(surface(1, -4, points) == 10 && surface(1, 8, points) == 12);
+    EXPECT_TRUE(curve(0, 4, 3, knots) == 11 && curve(0, 4, 7, nullptr) == 11);
+    EXPECT_TRUE(surface(1, 4, nullptr) == 11 && curve(3, 4, 7, knots) == 2);
     EXPECT_EQ(bc_eval_b_code_sub(0.0, 4, knots, 3, &p.x, nullptr, nullptr), 11);
     EXPECT_TRUE(p.x == 7 && p.y == 8 && p.z == 9);
 }
@@ -245,16 +215,15 @@ TEST(Nurbs, AnswersToAnything)
 {
     Random random(904);
     const double values[] = {0, 1, -2, NAN, INFINITY, -INFINITY, 1e308, -1e-310, 0.3};
-    for (int i = 0; i < 20000; ++i) {
+    for (int i = 0; i < 5000; ++i) {
         RandomCurve c(random, random.Integer(1, 30), 30);
         for (int change = 0; change < i % 40; ++change) {
             c.knots[static_cast<std::size_t>(random.Integer(0, 30))] = values[random.Integer(0, 8)];
             c.points[static_cast<std::size_t>(i % 30)].w = values[random.Integer(0, 8)];
         }
         const double t = values[random.Integer(0, 8)];
-        NURBSSurf surface{
-            c.record.order,        30, c.record.knots, 0, 1, 1, 1, c.record.knots, 0, 1,
-            c.record.controlPoints};
+        NURBSSurf surface{c.record.order, 30, &c.knots[0], 0,           1, 1, 1,
+                          &c.knots[0],    0,  1,           &c.points[0]};
         Nurbs::Point p[6];
         EXPECT_EQ(nurbs_curv_eval(2, c.record, t, p) & ~16, 0);
         EXPECT_EQ(nurbs_surf_eval(2, &surface, {{t, 0.5}}, p) & ~16, 0);

@@ -25,13 +25,9 @@ std::uint64_t HashNurbs(Numbers numbers)
         hash.Add(spd_create_curve(80 + fit, points.data(), options, &curve, &comm));
         for (Point4D& point : controlPoints)
             point.w += numbers.Next(0.2);
-        NURBSSurf surface{.orderU = 1,
-                          .numControlPointsU = 1,
-                          .knotsU = knots.data(),
-                          .orderV = curve.order,
-                          .numControlPointsV = curve.numControlPoints,
-                          .knotsV = knots.data(),
-                          .controlPoints = controlPoints.data()};
+        NURBSSurf surface{1,   1,           knots.data(),           0.0,
+                          0.0, curve.order, curve.numControlPoints, knots.data(),
+                          0.0, 0.0,         controlPoints.data()};
         for (int i = 0; i < 30; ++i) {
             Nurbs::Point result[9]{};
             const double t = numbers.Next(1.0);

@@ -27,6 +27,53 @@ bool Solve(const RowMajor& a, RowMajor& b)
                                                       {size(b.rows()), size(b.cols()), b.data()});
 }
 
+// Each row as the run from its first nonzero value on, all as long as the longest.
+struct Runs : Norvek::Math::Core::RunSource
+{
+    explicit Runs(const RowMajor& matrix) : a(matrix)
+    {
+        for (Eigen::Index i = 0; i < a.rows(); ++i) {
+            Eigen::Index last = a.cols();
+            while (last > First(i) && a(i, last - 1) == 0.0)
+                --last;
+            width = std::max(width, last - First(i));
+        }
+    }
+
+    [[nodiscard]] Eigen::Index First(Eigen::Index i) const
+    {
+        Eigen::Index first = 0;
+        while (first + 1 < a.cols() && a(i, first) == 0.0)
+            ++first;
+        return std::min(first, a.cols() - width);
+    }
+
+    void Make(std::size_t begin, std::size_t end, double* values,
+              std::uint32_t* firsts) const override
+    {
+        for (std::size_t i = begin; i < end; ++i, values += width) {
+            const auto row = static_cast<Eigen::Index>(i);
+            *firsts++ = static_cast<std::uint32_t>(First(row));
+            std::copy_n(a.row(row).data() + First(row), width, values);
+        }
+    }
+
+    const RowMajor& a;
+    Eigen::Index width = 0;
+};
+
+// The solution by runs; nothing when there is none.
+RowMajor SolveRuns(const RowMajor& a, const RowMajor& b)
+{
+    const auto rows = static_cast<std::size_t>(a.rows());
+    const Runs runs(a);
+    RowMajor x(a.cols(), b.cols());
+    const bool isSolved = Norvek::Math::Core::SolveLeastSquaresOfRuns(
+        {rows, static_cast<std::size_t>(a.cols()), static_cast<std::size_t>(runs.width), &runs},
+        {rows, static_cast<std::size_t>(b.cols()), b.data()}, x.data());
+    return isSolved ? x : RowMajor();
+}
+
 bool IsBanded(const RowMajor& a)
 {
     RowMajor b = RowMajor::Zero(a.rows(), 1);
@@ -105,6 +152,8 @@ TEST(LeastSquares, BandedAndDenseFormAgreeWithExtendedPrecision)
         EXPECT_LE((banded.topRows(s.columns) - exact.cast<double>()).norm(), bound);
         EXPECT_LE((dense.topRows(s.columns) - exact.cast<double>()).norm(), bound);
         EXPECT_EQ(banded.bottomRows(s.rows - s.columns), b.bottomRows(s.rows - s.columns));
+        EXPECT_LE((SolveRuns(a, b) - exact.cast<double>()).norm(), bound);
+        EXPECT_EQ(SolveRuns(UpsideDown(a), UpsideDown(b)), dense.topRows(s.columns));
 
         RowMajor alone = b.rightCols(1);
         ASSERT_TRUE(Solve(a, alone));
@@ -241,11 +290,13 @@ TEST(LeastSquares, UnitsOfLengthChangeNoDigit)
                 continue;
             const RowMajor scaled = std::ldexp(1.0, exponent) * a;
             RowMajor x = std::ldexp(1.0, rightExponent) * b;
+            const RowMajor byRuns = SolveRuns(scaled, x);
             RowMajor y = UpsideDown(x);
             ASSERT_TRUE(Solve(scaled, x)) << exponent << ' ' << rightExponent;
             ASSERT_TRUE(Solve(UpsideDown(scaled), y));
             const double back = std::ldexp(1.0, exponent - rightExponent);
             EXPECT_EQ(RowMajor(back * x.topRows(12)), banded.topRows(12));
+            EXPECT_EQ(RowMajor(back * byRuns), SolveRuns(a, b));
             EXPECT_EQ(RowMajor(back * y.topRows(12)), dense.topRows(12));
         }
     }

@@ -20,15 +20,15 @@ struct spd_Comm
 
 /// Fits a B-spline curve of weights 1 through measured points, in the least-squares sense.
 ///
-/// `points` are x, y, z of `numPoints` points in turn. `options` are at least five integers:
+/// `points` are x, y, z of `numPoints` points in turn. `options` are at least five integers, of
+/// which two are read:
 ///
-/// | index | meaning | valid | otherwise |
-/// |---|---|---|---|
-/// | 1 | exponent of the parametrisation in percent: 0 uniform, 50 centripetal, 100 chord length |
-/// 0 to 100 | 50, warning 0x40 | | 4 | close status: 0 open, 1 periodic, 2 unclamped knots with an
-/// open fit | 0 to 2 | 0, warning 0x80 |
+/// - index 1, the exponent of the parametrisation in percent: 0 uniform, 50 centripetal, 100 chord
+///   length. Outside 0 to 100 it becomes 50, with warning 0x40.
+/// - index 4, the close status: 0 open, 1 periodic, 2 unclamped knots with an open fit. Anything
+///   else becomes 0, with warning 0x80.
 ///
-/// The others are not read. On entry `curve` has the order k and the number n of control points
+/// On entry `curve` has the order k and the number n of control points
 /// that are wanted, and storage for knots and control points.
 ///
 /// **Repairs.** An order outside 2 to 20 becomes 4 (0x200). Then n is accepted when k <= n,
@@ -63,15 +63,15 @@ struct spd_Comm
 /// - 6: the parameters add up to 1e-11 or less (a single point, coincident points, any number of
 ///   steps below the root of 1e-11) or overflow. Options, order and count are written.
 /// - 16: the system is short of rank to working precision, or so near to it that rounding would
-/// move
-///   the curve by more than 1e-8 of the points' extent; or there is no memory. Knots are written,
-///   control points are at the origin with weight 1. Spans that no parameter falls into make such a
-///   system, and so do as many control points as evenly spread points: from order 4 on as the
-///   number grows (100 at order 4, 40 at order 8).
+///   move the curve by more than 1e-8 of the points' extent; or there is no memory. Knots are
+///   written, control points are at the origin with weight 1. Spans that no parameter falls into
+///   make such a system, and so do as many control points as evenly spread points: from order 4 on
+///   as the number grows (100 at order 4, 40 at order 8).
 /// - 1: the stated capacities are too small.
 ///
-/// Never throws. Time and memory grow linearly with the points: order^2 operations and 8 (order +
-/// 5) bytes for each. The periodic fit is not banded and takes the square of the free control
-/// points for each point, and 8 bytes times their number.
+/// Never throws. Time and memory grow linearly with the points: order^2 operations and 8 bytes for
+/// each, and 48 bytes more where a system near to being short of rank has to be looked at again.
+/// The periodic fit is not banded and takes the square of the free control points for each point,
+/// and 16 bytes times their number.
 NORVEK_MATH_API int spd_create_curve(std::int32_t numPoints, double* points, int* options,
                                      NURBSCurv* curve, spd_Comm* comm);

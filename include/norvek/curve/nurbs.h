@@ -210,6 +210,6 @@ NORVEK_MATH_API int nurbs_surf_eval(int derivatives, NURBSSurf* surface, Point2D
 /// Orders below 2 and below 3 have derivatives of 0.
 ///
 /// 0 on success, 9 for an order below 1, 11 for missing knots, missing `N` or a span below the
-/// order, 1 without memory; nothing is written then. No memory is taken up to order 20.
+/// order; nothing is written then. No memory is taken at any order.
 NORVEK_MATH_API int bc_eval_b_code_sub(double t, int order, double* knots, std::int32_t span,
                                        double* N, double* N1, double* N2);
