@@ -8,6 +8,7 @@
 #include <cmath>
 #include <cstddef>
 #include <exception>
+#include <limits>
 #include <type_traits>
 #include <vector>
 
@@ -176,11 +177,13 @@ private:
     std::size_t _columns;
 };
 
-// The largest difference between a coordinate and that of the first point.
-double Reach(const double* coordinates, std::size_t count, const double* origin)
+// The largest difference between a coordinate and that of the first point; the first one that is
+// `enough` ends the search.
+double Reach(const double* coordinates, std::size_t count, const double* origin,
+             double enough = std::numeric_limits<double>::infinity())
 {
     double reach = 0.0;
-    for (std::size_t i = 0; i < 3 * count; ++i)
+    for (std::size_t i = 0; i < 3 * count && reach < enough; ++i)
         reach = std::max(reach, std::abs(coordinates[i] - origin[i % 3]));
     return reach;
 }
@@ -191,8 +194,12 @@ double Reach(const double* coordinates, std::size_t count, const double* origin)
 // is what the first solution lacks.
 bool IsAccurate(const System& system, const Points& points, const Values& solution)
 {
-    const double bound = kAccuracy * Reach(points.coordinates, points.count, points.coordinates);
-    if (Reach(solution.data(), system.Columns(), points.coordinates) * kSolverRounding <= bound)
+    const double rounding =
+        kSolverRounding * Reach(solution.data(), system.Columns(), points.coordinates);
+    // Nearly always a few points are far enough apart.
+    const double bound = kAccuracy * Reach(points.coordinates, points.count, points.coordinates,
+                                           2.0 * rounding / kAccuracy);
+    if (rounding <= bound)
         return true;
     Values lacking = system.Evaluate(solution);
     for (std::size_t i = 0; i < lacking.size(); ++i)
