@@ -136,8 +136,8 @@ TEST(NurbsCurve, HasTheBitsOfTheRecursionWrittenDown)
     }
 }
 
-// Half a sphere: a quarter circle in u, turned through two quarters in v. Whatever its parameters,
-// the derivatives of |S|^2 = 1 vanish.
+// Half a sphere: a quarter circle in u, turned through two quarters in v. Derivatives are held to
+// differences of what they are derivatives of.
 TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
 {
     const double s = std::sqrt(0.5);
@@ -151,25 +151,11 @@ TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
     double knotsU[] = {0, 0, 0, 1, 1, 1};
     double knotsV[] = {0, 0, 0, 2, 2, 4, 4, 4};
     NURBSSurf surface{3, 3, knotsU, 0, 1, 3, 5, knotsV, 0, 4, grid.data()};
-    for (int i = 0; i < 1000; ++i) {
-        const Point2D at{{(i % 37 + 0.5) / 37.0, (i + 0.5) / 250.0}};
+    for (int k = 0; k < 1000; ++k) {
+        const Point2D at{{(k % 37 + 0.5) / 37.0, (k + 0.5) / 250.0}};
         Nurbs::Point p[6];
         ASSERT_EQ(nurbs_surf_eval(2, &surface, at, p), 0);
-        const auto dot = [&p](int a, int b) {
-            return p[a].x * p[b].x + p[a].y * p[b].y + p[a].z * p[b].z;
-        };
-        EXPECT_NEAR(dot(0, 0), 1.0, 8 * kEpsilon);
-        // Neither parameter stands still, but for parallels towards the pole.
-        EXPECT_GE(dot(1, 1), 0.9);
-        EXPECT_GE(dot(2, 2), 0.2 * (1.0 - p[0].z * p[0].z));
-        EXPECT_NEAR(std::abs(dot(0, 1)) + std::abs(dot(0, 2)), 0.0, 60 * kEpsilon);
-        EXPECT_NEAR(dot(0, 3) + dot(1, 1), 0.0, 300 * kEpsilon);
-        EXPECT_NEAR(dot(0, 4) + dot(1, 2), 0.0, 300 * kEpsilon);
-        EXPECT_NEAR(dot(0, 5) + dot(2, 2), 0.0, 300 * kEpsilon);
-        // Meridians and parallels stay square to each other.
-        EXPECT_NEAR(dot(2, 3) + dot(1, 4), 0.0, 300 * kEpsilon);
-        EXPECT_NEAR(dot(2, 4) + dot(1, 5), 0.0, 300 * kEpsilon);
-        // The second derivatives along either direction are differences of the first.
+        EXPECT_NEAR(p[0].x * p[0].x + p[0].y * p[0].y + p[0].z * p[0].z, 1.0, 8 * kEpsilon);
         for (const int d : {0, 1}) {
             Point2D before = at;
             Point2D after = at;
@@ -178,7 +164,11 @@ TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
             Nurbs::Point low[3], high[3];
             nurbs_surf_eval(1, &surface, before, low);
             nurbs_surf_eval(1, &surface, after, high);
-            EXPECT_NEAR((high[1 + d].x - low[1 + d].x) / 2e-5, p[3 + 2 * d].x, 1e-6);
+            for (int i = 0; i < 9; ++i) {
+                const int derivative = i < 3 ? 1 + d : i / 3 + 2 + d;
+                EXPECT_NEAR((high[i / 3].coordinates[i % 3] - low[i / 3].coordinates[i % 3]) / 2e-5,
+                            p[derivative].coordinates[i % 3], 1e-6);
+            }
         }
     }
 }
