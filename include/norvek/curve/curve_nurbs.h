@@ -118,8 +118,8 @@ protected:
     /// found by Newton's method, and others are halved. Distances that differ by less than some
     /// dozen epsilons of the curve's extent about the point count as equal.
     ///
-    /// About ten microseconds for a curve of 150 spans. Where spans are as short as 1e-11, which the
-    /// kernel does not evaluate, only their ends count.
+    /// About ten microseconds for a curve of 150 spans. Where spans are as short as 1e-11, which
+    /// the kernel does not evaluate, only their ends count.
     bool _FindNearest(double& t, const MMPoint3d<double>& point) const override;
 
     /// An upper bound, up to order 500: the largest distance of a Bernstein control point of the
