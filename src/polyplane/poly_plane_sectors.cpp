@@ -30,6 +30,9 @@ namespace
 
 using Point = MMPoint3d<double>;
 
+// What two feet of one point may differ by, for each unit of coordinates, heights and offset.
+constexpr double kProjectionError = 16.0 * kMachineEpsilon;
+
 } // namespace
 
 MPolyPlaneSectors::~MPolyPlaneSectors() = default;
@@ -91,15 +94,22 @@ MMPlaneEq<double>& MPolyPlaneSectors::_AccessSubDividingPlane(std::size_t index)
     return _planes[index];
 }
 
-// Exactly: points that differ at all have a direction between them.
+// The same point at two heights has feet that differ by rounding, and no direction between them.
+// The bound is twice what projecting both can lose. NaN counts as a length.
 bool MPolyPlaneSectors::_HasLength(std::size_t segment) const
 {
-    return _Points()[segment] != _Points()[_Next(segment)];
+    const std::size_t next = _Next(segment);
+    const Point& p = _Points()[segment];
+    const Point& q = _Points()[next];
+    const double size = p.Length() + q.Length() + std::abs(_Heights()[segment]) +
+                        std::abs(_Heights()[next]) + std::abs(_ZeroPlane().D());
+    return !((q - p).Length() <= kProjectionError * size);
 }
 
 MMPoint3d<double> MPolyPlaneSectors::_UnitVector(std::size_t segment) const
 {
-    return SafeDirection(_Points()[_Next(segment)] - _Points()[segment]);
+    return _HasLength(segment) ? SafeDirection(_Points()[_Next(segment)] - _Points()[segment])
+                               : Point();
 }
 
 double MPolyPlaneSectors::_DescribingLength(std::size_t segment) const
@@ -113,7 +123,8 @@ double MPolyPlaneSectors::_DerivedLength(std::size_t segment, double displacemen
     return _DescribingLength(segment) + displacement * spread.Dot(_UnitVector(segment));
 }
 
-// Gives the points from `first` to `last`, which coincide, the plane between two segments.
+// Gives the points from `first` to `last`, which coincide, the plane between two segments. All get
+// it through the start of the second one: points that coincide but for rounding leave no gap.
 void MPolyPlaneSectors::_SetCorners(std::size_t first, std::size_t last, std::size_t before,
                                     std::size_t after)
 {
@@ -130,8 +141,9 @@ void MPolyPlaneSectors::_SetCorners(std::size_t first, std::size_t last, std::si
         corner.before = (corner.before + corner.after) * (2.0 / sum.LengthSquared());
         corner.after = corner.before;
     }
+    const MMPlaneEq<double> plane(_Points()[after], normal);
     for (std::size_t i = first; i <= last; ++i) {
-        _AccessSubDividingPlane(i) = MMPlaneEq<double>(_Points()[i], normal);
+        _AccessSubDividingPlane(i) = plane;
         _corners[i] = corner;
     }
 }

@@ -29,7 +29,8 @@
 /// **Degenerate input answers.** Without a direction (zero) all feet are the origin of coordinates.
 /// A segment between equal points has a zero normal, unit vector and length. Fewer than two points
 /// make no segments. An index beyond the points gives zeros. NaN and infinite coordinates spoil
-/// the segments that touch them. Lengths are plain roots, good for sizes of 1e-150 to 1e150.
+/// the segments that touch them, and all positions from there on. Lengths are plain roots, good for
+/// sizes of 1e-150 to 1e150.
 ///
 /// Several threads may ask one object at once, also through the operations that are not `const`
 /// here so that derived classes may change them; `Set...`, `AddPoint` and `Clear` want it alone.
@@ -157,7 +158,8 @@ public:
 
     /// Whether the triangle crosses the swept surface: an edge crosses a segment, as
     /// `LineIntersects`, or the line swept by a vertex passes through the inside of the triangle.
-    /// A triangle that only touches does not cross. Segments that `TriangleIntersectRejection`
+    /// A triangle that only touches does not cross, nor one that a segment parts with both its ends
+    /// exactly on the boundary. Segments that `TriangleIntersectRejection`
     /// rules out are left out, so that the two never contradict each other.
     virtual bool TriangleIntersects(MMPoint3d<double> a, MMPoint3d<double> b,
                                     MMPoint3d<double> c) const;
@@ -193,6 +195,12 @@ protected:
     const std::vector<MMPoint3d<double>>& _Normals() const
     {
         return _normals;
+    }
+
+    /// All heights, in order.
+    const std::vector<double>& _Heights() const
+    {
+        return _heights;
     }
 
     /// The zero plane.

@@ -18,7 +18,7 @@
 /// plane to p + s m, m = (n + n') / (1 + n . n'), so that a derived segment has the length
 /// L + s b, linear in s; it is 0 where the segment has shrunk to F. The **usable displacements**
 /// lie between `GetNegDisplacement` and `GetPosDisplacement`: up to the nearest focal point on
-/// either side. Strictly between them all derived segments have a positive length.
+/// either side. Strictly between them derived segments have a positive length, but for empty ones.
 ///
 /// **Position.** The lines from F through the points of a segment (parallel lines, if there is no
 /// F) cover the wedge. All points of such a line have the position of its point on the describing
@@ -26,8 +26,8 @@
 ///
 /// Two laws hold, up to rounding:
 ///
-/// 1. For every point X that is found, `GetPointInPolyPlane` of its position, height, sector and
-///    displacement is X, whatever the displacement.
+/// 1. For every point X found in a sector that 16 bits can name, `GetPointInPolyPlane` of its
+///    position, height, sector and displacement is X, whatever the displacement.
 /// 2. For every position, sector of it, and displacement strictly between the bounds, seeking the
 ///    point of `GetPointInPolyPlane` finds position and displacement again, and says that it is not
 ///    beyond the focal point, unless another sector lies nearer there: wedges of outlines that fold
@@ -38,12 +38,13 @@
 /// What looks true and is not: sectors do not fill the space. Inside an outline, farther in than
 /// the focal points, a point may lie in no wedge, and is not found.
 ///
-/// **Degenerate outlines answer.** Points that are repeated share one plane; the empty sector
-/// between them is never found and bounds nothing. In a straight run planes are parallel: no focal
-/// point, no bound. Where the polyline turns straight back (t + t' shorter than 1.5e-8) no plane
-/// bisects: the plane of the doubled segment itself divides, the sides of the normals belong to
-/// the sectors, the ends of both are cut off squarely, and negative displacements are not usable.
-/// NaN coordinates give NaN or nothing found. Without two different points there are no planes.
+/// **Degenerate outlines answer.** Points that are repeated, at whatever height (feet closer than
+/// 16 machine epsilons of coordinates and heights), share one plane; the empty sector between them
+/// is never found and bounds nothing. In a straight run planes are parallel: no focal point, no
+/// bound. Where the polyline turns straight back (t + t' shorter than 1.5e-8) no plane bisects: the
+/// plane of the doubled segment itself divides, the sides of the normals belong to the sectors, the
+/// ends of both are cut off squarely, and negative displacements are not usable. NaN coordinates
+/// give NaN or nothing found. Without two different points there are no planes.
 ///
 /// Adding a point takes constant time (and as many steps as the first point comes in the beginning,
 /// if it is repeated there); seeking and measuring along derived polylines take linear time: the
