@@ -1,17 +1,66 @@
-#include "polyplane/poly_plane_support.h"
+#include "support/random.h"
 
+#include <norvek/polyplane/poly_plane_exception.h>
 #include <norvek/polyplane/poly_plane_prism.h>
+#include <norvek/polyplane/poly_plane_sectors.h>
 #include <norvek/primitives/line2d.h>
 
-#include <gtest/gtest.h>
-
 #include <algorithm>
+#include <cmath>
+#include <numbers>
+#include <vector>
 
 namespace
 {
 
-using namespace norvek_test;
+using norvek_test::Random;
+using Point = MMPoint3d<double>;
 using Flat = MMPoint2d<double>;
+using Corners = std::vector<Flat>;
+
+// A frame for outlines. The first directions of a test look along axes or tie in coordinates.
+struct Base
+{
+    Point direction;
+    Point origin;
+    Point u;
+    Point v;
+
+    Base(Random& random, int round, double far) : origin(random.Point(far))
+    {
+        const Point axes[] = {{0, 0, 2}, {0, -1, 0}, {1, 0, 1}, {1, 1, 0}, {1, 1, 1}, {0, 1, 1}};
+        direction = round < 6 ? axes[round] : random.Point(1.0);
+        const Point d = direction.Normalised();
+        u = d.Cross(Point(d.y, d.z, -d.x + 0.3)).Normalised();
+        v = d.Cross(u);
+    }
+
+    [[nodiscard]] Point At(const Flat& p, double height = 0.0) const
+    {
+        return origin + u * p.x + v * p.y + direction.Normalised() * height;
+    }
+};
+
+// The corners of a star around the middle with radii from `least` to 1, counter-clockwise.
+Corners Star(Random& random, int count, double least)
+{
+    Corners corners;
+    for (int i = 0; i < count; ++i) {
+        const double angle = 2.0 * std::numbers::pi * (i + random.Uniform(0.0, 0.7)) / count;
+        const double radius = random.Uniform(least, 1.0);
+        corners.emplace_back(radius * std::cos(angle), radius * std::sin(angle));
+    }
+    return corners;
+}
+
+// Adds the corners, at different heights; without a rise equal corners make the very same point.
+template <class Plane>
+void Fill(Plane& plane, const Base& base, const Corners& corners, double rise = 0.0)
+{
+    plane.SetZeroPlane(base.direction, base.origin);
+    for (const auto& corner : corners)
+        plane.AddPoint(base.At(corner, 2.0 + 3.0 * corner.x + rise * plane.GetNumPoints()));
+}
 
 TEST(PolyPlane, KeepsFeetHeightsAndNormals)
 {
@@ -22,7 +71,7 @@ TEST(PolyPlane, KeepsFeetHeightsAndNormals)
     plane.SetBottomHeight(-2);
     plane.AddPoint({1, 2, 8});
     EXPECT_TRUE(plane.GetPoint(0) == Point(1, 2, 5) && plane.GetNormal(0) == Point());
-    EXPECT_FALSE(plane.IsInside({1, 2, 5}));
+    EXPECT_FALSE(plane.IsInside({1, 2, 5}) || plane.GetNumSegments() != 0);
     EXPECT_EQ(plane.GetVectorToBottom(0.0), Point(0, 0, 5));
     plane.GetMinMaxZ(low, high);
     EXPECT_TRUE(low == 3.0 && high == 8.0);
@@ -37,6 +86,11 @@ TEST(PolyPlane, KeepsFeetHeightsAndNormals)
     plane.SetZeroPlane({1, 0, 0}, {0, 0, 0});
     EXPECT_TRUE(plane.GetPoint(2) == Point(1, 1, 5) && plane.GetNormal(1) == normals[1]);
 }
+
+struct OpenPlane : MPolyPlane
+{
+    using MPolyPlane::_Sanity;
+};
 
 // The rule written down: every edge takes every test, with nothing passed over.
 bool IsInsideByEveryEdge(MPolyPlane& plane, Point query)
@@ -71,44 +125,45 @@ TEST(PolyPlane, InsideIsWhatEveryEdgeSays)
 {
     Random random(81);
     int numInside = 0;
+    int numSane = 0;
     for (int round = 0; round < 1500; ++round) {
         const Base base(random, round % 12, round % 3 == 0 ? 1e5 : 1.0);
         auto corners = Star(random, 1 + round % 40, 0.2);
         for (Flat& corner : corners)
             if (round % 2 == 0)
                 corner = {std::round(4 * corner.x), std::round(4 * corner.y)};
-        MPolyPlane plane;
+        OpenPlane plane;
         Fill(plane, base, corners);
+        bool sane = true;
+        for (unsigned short i = 0; i < static_cast<unsigned short>(corners.size()); ++i)
+            sane = sane && plane.GetPlane(i).On(plane.GetPointOnDescribingPolyline(i + 1), 0x1p-52);
+        EXPECT_EQ(plane._Sanity(), sane);
+        numSane += sane ? 1 : 0;
         for (int i = 0; i < 40; ++i) {
             const auto k = static_cast<unsigned short>(random.Integer(0, 39));
             const Point a = plane.GetPointOnDescribingPolyline(k);
             const Point b = plane.GetPointOnDescribingPolyline(k + 1);
-            const Point query = a + (b - a) * (random.Integer(0, 4) / 4.0) +
-                                random.Point(i % 2 == 0   ? 0
-                                             : i % 4 == 1 ? 1.0
-                                                          : 3e-8);
+            const double aside[] = {0, 1, 0, 3e-8};
+            const Point query =
+                a + (b - a) * (random.Integer(0, 4) / 4.0) + random.Point(aside[i % 4]);
             numInside += plane.IsInside(query) ? 1 : 0;
-            EXPECT_EQ(plane.IsInside(query), IsInsideByEveryEdge(plane, query))
-                << "round " << round;
+            EXPECT_EQ(plane.IsInside(query), IsInsideByEveryEdge(plane, query));
         }
     }
-    EXPECT_GT(numInside, 10000);
+    EXPECT_TRUE(numInside > 10000 && numSane > 150 && numSane < 1000);
 }
 
-// The share of the segment that lies within the triangle, clipped at its three edges in extended
-// precision; negative when nothing is left.
-long double ClippedShare(const Flat& p, const Flat& q, const Flat (&corners)[3])
+// The share of the segment that lies within the triangle, seen along `up` and clipped at its three
+// edges; negative when nothing is left.
+double ClippedShare(const Point& p, const Point& q, const Point (&t)[3], const Point& up)
 {
-    const auto turn = [](const Flat& a, const Flat& b, const Flat& c) {
-        return (static_cast<long double>(b.x) - a.x) * (static_cast<long double>(c.y) - a.y) -
-               (static_cast<long double>(b.y) - a.y) * (static_cast<long double>(c.x) - a.x);
-    };
-    const long double sign = turn(corners[0], corners[1], corners[2]) < 0 ? -1 : 1;
-    long double from = 0;
-    long double to = 1;
+    const double sign = (t[1] - t[0]).Cross(t[2] - t[0]).Dot(up) < 0 ? -1 : 1;
+    double from = 0;
+    double to = 1;
     for (int i = 0; i < 3; ++i) {
-        const long double atP = sign * turn(corners[i], corners[(i + 1) % 3], p);
-        const long double atQ = sign * turn(corners[i], corners[(i + 1) % 3], q);
+        const Point inward = sign * up.Cross(t[(i + 1) % 3] - t[i]);
+        const double atP = inward.Dot(p - t[i]);
+        const double atQ = inward.Dot(q - t[i]);
         from = atP < 0 ? std::max(from, atQ < 0 ? 2 : atP / (atP - atQ)) : from;
         to = atQ < 0 && atP >= 0 ? std::min(to, atP / (atP - atQ)) : to;
     }
@@ -121,26 +176,24 @@ TEST(PolyPlane, TrianglesCrossWhereClippingLeavesASegment)
     int counts[3] = {};
     for (int round = 0; round < 100000; ++round) {
         const Base base(random, round % 20, 10.0);
-        const Corners corners = Star(random, 3 + round % 9, 0.3);
         MPolyPlane plane;
-        Fill(plane, base, corners);
-        Flat flat[3];
+        Fill(plane, base, Star(random, 3 + round % 9, 0.3));
         Point t[3];
         const double size = random.Uniform(0.02, 1.5);
-        for (int i = 0; i < 3; ++i) {
-            const Flat middle = i == 0 ? Flat() : flat[0];
-            flat[i] =
-                middle + Flat(random.Uniform(-1, 1), random.Uniform(-1, 1)) * (i == 0 ? 1 : size);
-            t[i] = base.At(flat[i], random.Uniform(-9, 9));
-        }
-        long double share = -1;
-        for (std::size_t i = 0; i < corners.size(); ++i)
-            share =
-                std::max(share, ClippedShare(corners[i], corners[(i + 1) % corners.size()], flat));
+        const Flat middle(random.Uniform(-1, 1), random.Uniform(-1, 1));
+        for (Point& corner : t)
+            corner = base.At(
+                {middle.x + random.Uniform(-size, size), middle.y + random.Uniform(-size, size)},
+                random.Uniform(-9, 9));
+        double share = -1;
+        for (unsigned short i = 0; i < static_cast<unsigned short>(plane.GetNumPoints()); ++i)
+            share = std::max(share, ClippedShare(plane.GetPoint(i),
+                                                 plane.GetPointOnDescribingPolyline(i + 1), t,
+                                                 plane.GetDirection()));
         const bool rejected = plane.TriangleIntersectRejection(t[0], t[1], t[2]);
         const bool crosses = plane.TriangleIntersects(t[0], t[1], t[2]);
         EXPECT_FALSE(rejected && crosses);
-        EXPECT_TRUE(crosses == (share > 0) || std::abs(share) < 1e-9L) << "round " << round;
+        EXPECT_TRUE(crosses == (share > 0) || std::abs(share) < 1e-9) << "round " << round;
         ++counts[crosses ? 0 : rejected ? 1 : 2];
     }
     EXPECT_TRUE(counts[0] > 20000 && counts[1] > 20000 && counts[2] < 15000);
@@ -168,14 +221,19 @@ TEST(PolyPlane, PositionsAreArcLengths)
             EXPECT_EQ(plane.GetSegmentAtPositionAlongDescribingPolyline(position, rest),
                       e == Point() ? i + 1 : i);
             EXPECT_NEAR(rest, share * e.Length(), 1e-13);
-            ExpectNear(plane.GetPointAtPositionAlongDescribingPolyline(position), p + e * share,
-                       1e-13);
+            const Point at = plane.GetPointAtPositionAlongDescribingPolyline(position);
+            EXPECT_LE((at - p - e * share).Length(), 1e-13);
+            const Point from = plane.GetVectorToBottom(i);
+            const Point to = plane.GetVectorToBottom(static_cast<unsigned short>((i + 1) % count));
+            const Point between = from + (to - from) * share;
+            EXPECT_LE((plane.GetVectorToBottom(position) - between).Length(), 1e-13);
             bool inside = true;
             const Point q = p + e * (2 * share) + plane.GetNormal(i) * 3;
             EXPECT_NEAR(plane.DistanceToPlaneSegment(q, i, inside), e == Point() ? 0 : 3, 1e-13);
             EXPECT_EQ(inside, e != Point() && share < 0.5);
         }
-        EXPECT_EQ(plane.GetSegmentAtPositionAlongDescribingPolyline(99), plane.GetLastSegment());
+        const Point end = plane.GetPointAtPositionAlongDescribingPolyline(99);
+        EXPECT_LE((end - plane.GetPoint(0)).Length(), 1e-13);
     }
 }
 
@@ -206,7 +264,8 @@ TEST(PolyPlanePrism, SharesItsInnerPolyPlaneAndKeepsItsLevels)
         kept.SetTopBottomPlanes({9, 9, 10}, {0, 0, 2});
         EXPECT_TRUE(prism.IsInside({1, 1, 10.5}) && kept.GetNumPoints() == 3);
     }
-    EXPECT_TRUE(kept.IsInside({1, 1, 10}) && !kept.IsInside({1, 1, 10.5}));
+    EXPECT_TRUE(kept.IsInside({1, 1, 10}) && kept.IsInside({1, 1, 2}) &&
+                !kept.IsInside({1, 1, 10.5}));
     double low = 0;
     double high = 0;
     kept.GetMinMaxZ(low, high);
@@ -218,6 +277,152 @@ TEST(PolyPlanePrism, SharesItsInnerPolyPlaneAndKeepsItsLevels)
     EXPECT_TRUE(kept.GetDirection() == Point(0, 0, -1) && kept.GetNumSegments() == 0);
     EXPECT_EQ(kept.GetPointOnDescribingPolyline(1), Point());
     EXPECT_EQ(kept.GetNormal(1), Point(-0.5, -0.5, 0).Normalised());
+    EXPECT_EQ(kept.GetPolylineSegmentUnitVector(0), Point(1, 0, 0));
+    kept.Clear();
+    EXPECT_EQ(kept.GetNumPoints(), 0);
+}
+
+constexpr double kLargest = std::numeric_limits<double>::max();
+
+// The bounds after every point, from the focal points alone; derived corners by their distances
+// from two segments.
+TEST(PolyPlaneSectors, BoundsFollowTheNearestFocalPointsAtEveryPoint)
+{
+    Random random(84);
+    for (int round = 0; round < 400; ++round) {
+        const Base base(random, round, 3.0);
+        const Corners corners = Star(random, 4 + round % 20, 0.4);
+        MPolyPlaneSectors plane;
+        Fill(plane, base, corners);
+        plane.Clear();
+        EXPECT_TRUE(plane.GetPosDisplacement() == kLargest);
+        const auto count = static_cast<unsigned short>(corners.size());
+        for (unsigned short k = 1; k <= count; ++k) {
+            plane.AddPoint(base.At(corners[k - 1]));
+            if (k < 3)
+                continue;
+            double low = -kLargest;
+            double high = kLargest;
+            for (unsigned short i = 0; i < k; ++i) {
+                const double s = plane.GetPlane(i).Distance(plane.GetFocalPoint(i));
+                (s < 0 ? low : high) = s < 0 ? std::max(s, low) : std::min(s, high);
+            }
+            EXPECT_NEAR(plane.GetNegDisplacement() / low, 1.0, 1e-10 * (1.0 / -low - low));
+            EXPECT_NEAR(plane.GetPosDisplacement() / high, 1.0, 1e-10 * (1.0 / high + high));
+        }
+        const double s = random.Uniform(-0.1, 0.1);
+        double sum = 0;
+        for (unsigned short i = 0; i < count; ++i) {
+            const Point p = plane.GetPointOnDerivedPolyline(i, s);
+            const Point q = plane.GetPointOnDerivedPolyline(i + 1, s);
+            EXPECT_NEAR(plane.GetPlane(i).Distance(p), s, 1e-12);
+            EXPECT_NEAR(plane.GetPlane(i).Distance(q), s, 1e-12);
+            EXPECT_LE((plane.GetSegmentVectorOnDerivedPolyline(i, s) - q + p).Length(), 1e-12);
+            sum += std::max(0.0, (q - p).Dot(plane.GetPolylineSegmentUnitVector(i)));
+            EXPECT_NEAR(plane.GetCumulativeLengthToEndOfDerivedSegment(i, s), sum, 1e-11);
+            const MMLine line = plane.GetLineThroughFocalAtPositionAlongDescribingPolyline(
+                plane.GetCumulativeLengthToEndOfDescribingSegment(i) -
+                plane.GetLengthOfDescribingSegment(i) * random.Uniform(0, 1));
+            const Point focal = plane.GetFocalPoint(i);
+            EXPECT_TRUE(line.IsPointOnLine(focal, false, 1e-10 * (1 + focal.LengthSquared())));
+        }
+    }
+}
+
+// Any point that is found is made again from its place; a place on a convex outline, in either
+// sense, is found again from its point.
+TEST(PolyPlaneSectors, PlacesAndPointsLeadToEachOther)
+{
+    Random random(85);
+    for (int round = 0; round < 30000; ++round) {
+        const Base base(random, round, 3.0);
+        const bool isConvex = round % 2 == 0;
+        Corners corners = Star(random, 4 + round % 13, isConvex ? 1.0 : 0.2);
+        if (round % 3 == 0)
+            corners.insert(round % 2 == 0 ? corners.end() : corners.begin(), corners[0]);
+        if (round % 4 < 2)
+            std::reverse(corners.begin(), corners.end());
+        MPolyPlaneSectors plane;
+        Fill(plane, base, corners, round % 5);
+        const double low = plane.GetNegDisplacement();
+        const double high = plane.GetPosDisplacement();
+        const double s = random.Uniform(std::max(0.999 * low, -9.0), std::min(0.999 * high, 9.0));
+        const auto sector = static_cast<unsigned short>(random.Integer(0, plane.GetLastSegment()));
+        const double length = plane.GetLengthOfDescribingSegment(sector);
+        const double position = plane.GetCumulativeLengthToEndOfDescribingSegment(sector) -
+                                length * random.Uniform(0.01, 0.99);
+        Point x = base.At({random.Uniform(-2, 2), random.Uniform(-2, 2)}, 7);
+        if (isConvex)
+            x = plane.GetPointInPolyPlane(position, 7, 0, 0, sector, s);
+        bool found = false;
+        bool beyond = false;
+        double seen = 0;
+        const double at = plane.SeekPositionAlongDescribingPolyline(x, found, beyond, seen);
+        const unsigned short in = plane.SeekSector(x, found, beyond);
+        if (isConvex && length > 1e-3) {
+            EXPECT_TRUE(found && !beyond && in == sector) << "round " << round;
+            EXPECT_NEAR(at, position, 1e-9);
+            EXPECT_NEAR(seen, s, 1e-12);
+        } else if (found) {
+            const double scale = std::abs(seen) + 1.0 / plane.GetLengthOfDescribingSegment(in);
+            // Height and lengths along the displaced plane are taken apart as well.
+            const Point aside = plane.GetPolylineSegmentUnitVector(in) * 2;
+            const Point y = plane.GetPointInPolyPlane(at, 4, 2, 3, in, seen);
+            EXPECT_LE((y - aside - x).Length(), 1e-12 * scale);
+            EXPECT_TRUE(plane.GetSubDividingPlane(in).Distance(x) > -1e-12 &&
+                        plane.GetSubDividingPlane(in + 1).Distance(x) < 1e-12);
+            EXPECT_EQ(beyond, seen > high || seen < low);
+        }
+        if (round % 50 > 1)
+            continue;
+        double nearest = kLargest;
+        const double whole = plane.GetLengthOfDescribingPolyline();
+        MMPlaneEq<double>(base.origin, base.direction).Project(x, x);
+        for (int k = 0; k < 2000; ++k)
+            nearest = std::min(
+                nearest,
+                (plane.GetPointAtPositionAlongDescribingPolyline(whole * k / 2000) - x).Length());
+        EXPECT_NEAR(std::abs(plane.DistanceToPolyPlane(x)), nearest, whole / 4000);
+        EXPECT_EQ(plane.DistanceToPolyPlane(x) < 0, plane.IsInside(x) == (round % 4 >= 2));
+    }
+}
+
+// Nothing, repeated points, there and back, and straight runs.
+TEST(PolyPlaneSectors, DegenerateOutlinesAnswer)
+{
+    MPolyPlaneSectors plane;
+    bool found = true;
+    bool beyond = true;
+    double s = 1;
+    const auto seek = [&](double x, double y) {
+        return plane.SeekPositionAlongDescribingPolyline({x, y, 1}, found, beyond, s);
+    };
+    plane.SetZeroPlane({0, 0, 1}, {});
+    for (int count = 0; count < 3; ++count) {
+        EXPECT_TRUE(seek(1, 1) == 0 && !found && !beyond);
+        EXPECT_THROW((void)plane.GetFocalPoint(0), MPolyPlaneException);
+        plane.AddPoint({0, 0, 0});
+    }
+    // Two places: each side belongs to one segment, and the outline has no left side.
+    plane.AddPoint({4, 0, 0});
+    EXPECT_TRUE(plane.GetNegDisplacement() == 0 && plane.GetPosDisplacement() == kLargest);
+    EXPECT_TRUE(seek(1, -7) == 1 && s == 7);
+    EXPECT_TRUE(seek(1, 7) == 7 && s == 7);
+    EXPECT_TRUE(seek(5, 7) == 0 && !found);
+    // A square with a point in the middle of each side, all twice.
+    plane.Clear();
+    for (const auto& [x, y] :
+         {std::pair{0, 0}, {2, 0}, {4, 0}, {4, 2}, {4, 4}, {2, 4}, {0, 4}, {0, 2}})
+        for (int i = 0; i < 2; ++i)
+            plane.AddPoint(Point(x, y, 0));
+    EXPECT_EQ(plane.GetNegDisplacement(), -2);
+    EXPECT_EQ(plane.GetSubDividingPlane(2), MMPlaneEq<double>(1, 0, 0, -2));
+    EXPECT_THROW((void)plane.GetFocalPoint(2), MPolyPlaneException);
+    EXPECT_TRUE(seek(3, 1) == 4 && s == -1);
+    // From the last side to the first, the short way round.
+    EXPECT_NEAR(plane.DistanceBetweenPointsAlongDerivedPolyline({0, 1, 0}, {1, 0, 0}, 1), 3, 1e-13);
+    plane.AddPoint({NAN, 0, 0});
+    EXPECT_THROW((void)plane.GetFocalPoint(16), MPolyPlaneException);
 }
 
 } // namespace
