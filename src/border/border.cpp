@@ -360,9 +360,9 @@ bool M3dBorder<Coord, Payload, Contour>::_TryToConnectContours(Contour* outer, C
     auto heap = Norvek::Math::Core::HeapByDistance(*outer, *leftmost);
     for (; !heap.empty(); heap.pop_back()) {
         std::pop_heap(heap.begin(), heap.end(), std::greater<>());
-        if (!IntersectsWithConnection(leftmost, heap.back().second)) {
+        if (!IntersectsWithConnection(leftmost, heap.back().point)) {
             hole->SetFirstPointAt(leftmost);
-            outer->ConnectWith(heap.back().second, hole);
+            outer->ConnectWith(heap.back().point, hole);
             return true;
         }
     }

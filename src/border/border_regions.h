@@ -142,15 +142,33 @@ typename Contour::PointType* LeftmostPoint(Contour& contour)
     return leftmost;
 }
 
+/// A point of a contour at a distance from another one; its number in the ring parts equal ones.
+template <class Point>
+struct DistantPoint
+{
+    double squaredDistance;
+    std::uint32_t number;
+    Point* point;
+
+    /// Whether this point is the farther one.
+    bool operator>(const DistantPoint& other) const
+    {
+        return squaredDistance != other.squaredDistance ? squaredDistance > other.squaredDistance
+                                                        : number > other.number;
+    }
+};
+
 /// The points of a contour by their distance from a point, the nearest at the front of a heap under
 /// `std::greater`.
 template <class Contour, class Point>
-std::vector<std::pair<double, Point*>> HeapByDistance(Contour& contour, const Point& from)
+std::vector<DistantPoint<Point>> HeapByDistance(Contour& contour, const Point& from)
 {
-    std::vector<std::pair<double, Point*>> heap;
+    std::vector<DistantPoint<Point>> heap;
+    heap.reserve(contour.GetNumPoints());
+    std::uint32_t number = 0;
     for (Point& point : contour) {
         const PlanePoint offset = PlaceOf(point) - PlaceOf(from);
-        heap.emplace_back(offset.LengthSquared(), &point);
+        heap.push_back({offset.LengthSquared(), number++, &point});
     }
     std::make_heap(heap.begin(), heap.end(), std::greater<>());
     return heap;
