@@ -37,8 +37,7 @@ class Picture
 {
 public:
     Picture(const Options& options, const Scene& scene)
-        : _options(options),
-          _scene(scene),
+        : _scene(scene),
           _file(options.picture, 2.0 * kMargin + kWidth,
                 2.0 * kMargin + kBasisHeight + 3.0 * (kHeight + kGap)),
           _out(_file.Out())
@@ -184,7 +183,6 @@ private:
             Dot(p, 3.0, kRed);
     }
 
-    const Options& _options;
     const Scene& _scene;
     SvgFile _file;
     std::ostream& _out;
