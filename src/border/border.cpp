@@ -4,6 +4,7 @@
 #include <norvek/border/border.h>
 
 #include <algorithm>
+#include <cmath>
 #include <limits>
 
 template <class Coord, class Payload, class Contour>
@@ -292,11 +293,7 @@ bool M3dBorder<Coord, Payload, Contour>::IntersectsWithConnection(const PointTyp
 {
     if (p == nullptr || q == nullptr)
         return false;
-    const auto from = Norvek::Math::Core::PlaceOf(*p);
-    const auto to = Norvek::Math::Core::PlaceOf(*q);
-    return std::any_of(begin(), end(), [&](const Contour& contour) {
-        return Norvek::Math::Core::DoesConnectionMeetContour(from, to, contour);
-    });
+    return Norvek::Math::Core::DoesConnectionMeetBorder(*p, *q, *this, {false, false});
 }
 
 template <class Coord, class Payload, class Contour>
@@ -309,6 +306,11 @@ void M3dBorder<Coord, Payload, Contour>::DetermineIntersectionValues(
     for (const Contour& contour : *this)
         trees.emplace_back(collected.rings.Ring(trees.size()), contour.GetIsClosed());
     values = Norvek::Math::Core::FindCrossings(trees, {withOthers, withItself});
+    const int exponent = collected.rings.exponent;
+    for (auto& list : values)
+        for (MIntersectionValue& value : list)
+            value.point = {std::ldexp(value.point.x, exponent),
+                           std::ldexp(value.point.y, exponent)};
 }
 
 template <class Coord, class Payload, class Contour>
@@ -356,14 +358,20 @@ bool M3dBorder<Coord, Payload, Contour>::_TryToConnectContours(Contour* outer, C
 {
     if (outer->GetFirstPoint() == nullptr || hole->GetFirstPoint() == nullptr)
         return false;
-    auto* const leftmost = Norvek::Math::Core::LeftmostPoint(*hole);
-    auto heap = Norvek::Math::Core::HeapByDistance(*outer, *leftmost);
-    for (; !heap.empty(); heap.pop_back()) {
-        std::pop_heap(heap.begin(), heap.end(), std::greater<>());
-        if (!IntersectsWithConnection(leftmost, heap.back().point)) {
-            hole->SetFirstPointAt(leftmost);
-            outer->ConnectWith(heap.back().point, hole);
-            return true;
+    using namespace Norvek::Math::Core;
+    auto* const leftmost = LeftmostPoint(*hole);
+    // A hole that leans against an edge may see no point but along that edge. Open contours have
+    // been nested as closed ones, so their closing edges count.
+    for (const ConnectionRule rule : {ConnectionRule{true, false}, ConnectionRule{true, true}}) {
+        auto heap = HeapByDistance(*outer, *leftmost);
+        for (; !heap.empty(); heap.pop_back()) {
+            std::pop_heap(heap.begin(), heap.end(), std::greater<>());
+            auto* const nearest = heap.back().point;
+            if (!DoesConnectionMeetBorder(*leftmost, *nearest, *this, rule)) {
+                hole->SetFirstPointAt(leftmost);
+                outer->ConnectWith(nearest, hole);
+                return true;
+            }
         }
     }
     return false;

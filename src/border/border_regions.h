@@ -176,15 +176,29 @@ std::vector<DistantPoint<Point>> HeapByDistance(Contour& contour, const Point& f
 
 /// Whether the connection of two places meets an edge of the contour.
 template <class Contour>
-bool DoesConnectionMeetContour(const PlanePoint& p, const PlanePoint& q, const Contour& contour)
+bool DoesConnectionMeetContour(const PlanePoint& p, const PlanePoint& q, const Contour& contour,
+                               ConnectionRule rule)
 {
+    const bool hasLast = contour.GetIsClosed() || rule.withClosingEdges;
     for (const auto& point : contour) {
-        if (!contour.GetIsClosed() && point.next == contour.GetFirstPoint())
+        if (!hasLast && point.next == contour.GetFirstPoint())
             break;
-        if (DoesConnectionMeet(p, q, PlaceOf(point), PlaceOf(*point.next)))
+        if (DoesConnectionMeet(p, q, PlaceOf(point), PlaceOf(*point.next), rule))
             return true;
     }
     return false;
+}
+
+/// Whether the connection of two points meets an edge of the border.
+template <class Border, class Point>
+bool DoesConnectionMeetBorder(const Point& p, const Point& q, const Border& border,
+                              ConnectionRule rule)
+{
+    const PlanePoint from = PlaceOf(p);
+    const PlanePoint to = PlaceOf(q);
+    return std::any_of(border.begin(), border.end(), [&](const auto& contour) {
+        return DoesConnectionMeetContour(from, to, contour, rule);
+    });
 }
 
 /// Triangulates by cutting corners off each contour in turn.

@@ -41,9 +41,9 @@ void RingPoints::BringIntoRange()
         largest = std::max({largest, std::abs(p.x), std::abs(p.y)});
     if (largest == 0.0)
         return;
-    const int exponent = std::ilogb(largest);
-    if (std::abs(exponent) <= kMostExponent)
+    if (std::abs(std::ilogb(largest)) <= kMostExponent)
         return;
+    exponent = std::ilogb(largest);
     for (PlanePoint& p : points)
         p = {std::ldexp(p.x, -exponent), std::ldexp(p.y, -exponent)};
 }

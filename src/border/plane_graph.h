@@ -15,6 +15,8 @@ struct RingPoints
     std::vector<PlanePoint> points;
     /// Where each ring begins in `points`; one more entry marks the end.
     std::vector<std::uint32_t> starts{0};
+    /// The true coordinates are those in `points` times 2 to this power.
+    int exponent = 0;
 
     [[nodiscard]] std::size_t NumRings() const
     {
@@ -30,7 +32,7 @@ struct RingPoints
     [[nodiscard]] bool IsFinite() const;
 
     /// Multiplies all coordinates by a power of 2 when their size would make the products of an
-    /// orientation overflow or vanish. Nothing that is asked afterwards depends on the scale.
+    /// orientation overflow or vanish; `exponent` is then the power that brings them back.
     void BringIntoRange();
 };
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <tuple>
 
 namespace Norvek::Math::Core
@@ -28,8 +29,18 @@ struct Segment
     Segment(const EdgeTree& ring, std::uint32_t edge)
         : begin(ring.Begin(edge)),
           end(ring.End(edge)),
-          hasEnd(!ring.IsClosed() && edge + 1 == ring.NumEdges())
+          hasEnd(!ring.IsClosed() && begin != end && _IsLast(ring, edge))
     {}
+
+private:
+    // Edges without length may follow.
+    static bool _IsLast(const EdgeTree& ring, std::uint32_t edge)
+    {
+        do
+            ++edge;
+        while (edge < ring.NumEdges() && ring.Begin(edge) == ring.End(edge));
+        return edge == ring.NumEdges();
+    }
 };
 
 bool LiesWithin(const PlanePoint& place, const PlanePoint& p, const PlanePoint& q)
@@ -37,12 +48,22 @@ bool LiesWithin(const PlanePoint& place, const PlanePoint& p, const PlanePoint& 
     return PlaneBox::Of(p, q).Meets({place, place}) && Orientation(p, q, place) == 0;
 }
 
+// A parameter of a place between the ends, which rounding must not bring there.
+double BetweenEnds(double parameter)
+{
+    return std::clamp(parameter, std::numeric_limits<double>::min(), 1.0 - 0x1p-53);
+}
+
 // Along the longer side of the edge's box.
 double ParameterOf(const PlanePoint& place, const Segment& segment)
 {
+    if (place == segment.begin)
+        return 0.0;
+    if (place == segment.end)
+        return 1.0;
     const PlanePoint d = segment.end - segment.begin;
-    return std::abs(d.x) >= std::abs(d.y) ? (place.x - segment.begin.x) / d.x
-                                          : (place.y - segment.begin.y) / d.y;
+    return BetweenEnds(std::abs(d.x) >= std::abs(d.y) ? (place.x - segment.begin.x) / d.x
+                                                      : (place.y - segment.begin.y) / d.y);
 }
 
 // Twice the distance of the place from the line, times the length of the edge.
@@ -76,7 +97,8 @@ void FindMeetings(const Segment& a, const Segment& b, const Add& add)
         return;
     if (DoCross(a, b)) {
         const double t = CrossingParameter(a, b);
-        add(Meeting{t, CrossingParameter(b, a), a.begin + t * (a.end - a.begin)});
+        const PlanePoint place = a.begin + t * (a.end - a.begin);
+        add(Meeting{BetweenEnds(t), BetweenEnds(CrossingParameter(b, a)), place});
         return;
     }
     const auto holds = [](const Segment& segment, const PlanePoint& place) {
@@ -134,19 +156,19 @@ std::vector<std::vector<MIntersectionValue>> FindCrossings(const std::vector<Edg
 }
 
 bool DoesConnectionMeet(const PlanePoint& p, const PlanePoint& q, const PlanePoint& r,
-                        const PlanePoint& s)
+                        const PlanePoint& s, ConnectionRule rule)
 {
+    if (p == q || !PlaneBox::Of(p, q).Meets(PlaneBox::Of(r, s)))
+        return false;
     const int sideR = Orientation(p, q, r);
     const int sideS = Orientation(p, q, s);
     const auto isStrictlyBetween = [&](const PlanePoint& place) {
         return !(place == p) && !(place == q) && PlaneBox::Of(p, q).Meets({place, place});
     };
-    if (p == q)
-        return false;
     if ((sideR == 0 && isStrictlyBetween(r)) || (sideS == 0 && isStrictlyBetween(s)))
         return true;
     if (sideR == 0 && sideS == 0)
-        return !(r == s) && LiesWithin(p, r, s) && LiesWithin(q, r, s);
+        return !rule.mayRunAlong && !(r == s) && LiesWithin(p, r, s) && LiesWithin(q, r, s);
     return sideR * sideS < 0 && Orientation(r, s, p) * Orientation(r, s, q) < 0;
 }
 

@@ -22,9 +22,18 @@ struct CrossingChoice
 std::vector<std::vector<MIntersectionValue>> FindCrossings(const std::vector<EdgeTree>& rings,
                                                            CrossingChoice choice);
 
+/// What a connection of two places is held against.
+struct ConnectionRule
+{
+    /// The edges that close open contours count.
+    bool withClosingEdges;
+    /// An edge that the connection is part of does not count.
+    bool mayRunAlong;
+};
+
 /// Whether the open segment from p to q has a place in common with the segment from r to s. A place
 /// that is an end of both does not count, nor does p or q within the other segment.
 bool DoesConnectionMeet(const PlanePoint& p, const PlanePoint& q, const PlanePoint& r,
-                        const PlanePoint& s);
+                        const PlanePoint& s, ConnectionRule rule);
 
 } // namespace Norvek::Math::Core

@@ -227,4 +227,22 @@ TEST(BorderRegions, MergingKeepsTheRegionInOuterContours)
     }
 }
 
+// A hole that only sees along the edge that it leans on; a closing edge between hole and rim.
+TEST(BorderRegions, BridgesDoNotCross)
+{
+    Rings leaning{{{0, 0}, {0, 10}, {10, 10}, {10, 0}}, {{10, 10}, {0, 5}, {10, 0}}};
+    Rings slotted{{{4, 10}, {9, 10}, {9, 0}, {0, 0}, {0, 10}, {3, 10}, {3, 5}, {3, 1}, {4, 1}},
+                  {{4.2, 5}, {5, 4.5}, {5, 5.5}}};
+    for (Rings* const rings : {&leaning, &slotted}) {
+        RegionBorder border = BorderOf(*rings);
+        border.GetFirstContour()->SetIsClosed(rings == &leaning);
+        border.MergeToOnlyOuterContours();
+        ASSERT_EQ(border.GetNumContours(), 1U);
+        Ring outline;
+        for (const auto& point : *border.GetFirstContour())
+            outline.emplace_back(point.x, point.y);
+        EXPECT_FALSE(norvek_test::HasCrossing({outline}));
+    }
+}
+
 } // namespace

@@ -129,7 +129,7 @@ TEST(BorderCrossings, EqualThoseOfAllPairsOfEdges)
 
 TEST(BorderCrossings, OpenContoursEndAtTheirLastPoint)
 {
-    Rings rings{{{0, 0}, {4, 0}, {4, 4}}, {{2, -1}, {2, 9}}, {{4, 4}, {9, 9}}};
+    Rings rings{{{0, 0}, {4, 0}, {4, 4}, {4, 4}}, {{2, -1}, {2, 9}}, {{4, 4}, {9, 9}}};
     RegionBorder border = BorderOf(rings);
     for (auto& contour : border.Contours())
         contour.SetIsClosed(false);
@@ -146,6 +146,22 @@ TEST(BorderCrossings, OpenContoursEndAtTheirLastPoint)
     EXPECT_TRUE(border.IntersectsWithConnection(first->next->next, upright));
     EXPECT_FALSE(border.IntersectsWithConnection(upright, first->next));
     EXPECT_FALSE(border.IntersectsWithConnection(upright, upright));
+}
+
+// The lower edge passes the upright a breath before its end, at any scale.
+TEST(BorderCrossings, KeepPlacesAndParametersAtTheirLimits)
+{
+    for (const double scale : {0x1p-450, 1.0, 0x1p450}) {
+        Rings rings{{{0, 0}, {4, 0}, {4, 4}}, {{2, -0x1p60}, {2, 1}, {-4, 3}}};
+        for (Ring& ring : rings)
+            for (PlanePoint& p : ring)
+                p = p * scale;
+        std::vector<std::vector<MIntersectionValue>> values;
+        BorderOf(rings).DetermineIntersectionValues(true, false, values);
+        ASSERT_FALSE(values[0].empty());
+        EXPECT_TRUE(values[0][0].otherEdge == 0 && values[0][0].otherParameter < 1.0);
+        EXPECT_EQ(values[0][0].point.x, 2 * scale);
+    }
 }
 
 } // namespace

@@ -108,7 +108,8 @@ public:
     /// Sets every contour's order: the number of contours that it lies in. A contour lies in
     /// another one when the region within it does (even-odd, as for positions); contours that
     /// merely touch, at points or along edges, do not lie in each other. Of two contours around the
-    /// same region the later lies in the earlier. Contours that cross do not lie in each other.
+    /// same region the later lies in the earlier. Contours whose edges cross do not lie in each
+    /// other; where contours pass through each other at vertices only it is open whether they do.
     /// From 254 on only even (254) and odd (255) are told apart. Contours with coordinates that are
     /// not finite lie in nothing.
     ///
@@ -246,9 +247,10 @@ protected:
     /// by descending area; equal ones stay as they stand. What is outer is found out anew.
     void _SortContours();
 
-    /// Joins `hole` to `outer` at the leftmost point of `hole` and the nearest point of `outer` so
-    /// that the connection meets no edge of this border, see `ConnectWith`; `hole` stays. False,
-    /// with nothing changed, when there is no such point.
+    /// Joins `hole` to `outer` at the leftmost point of `hole` and the nearest point of `outer`,
+    /// the first of several, so that the connection meets no edge of this border, closing edges
+    /// included, see `ConnectWith`; `hole` stays. Where there is none, the connection may run along
+    /// an edge. False, with nothing changed, when there is still none.
     bool _TryToConnectContours(Contour* outer, Contour* hole);
 
     /// A new empty contour that shares the border's pool; the caller owns it. A derived border may
