@@ -108,10 +108,10 @@ double Reflected(double t, bool isLeft, bool isBelow)
 {
     if (isLeft)
         t = CMathConst::kPi - t;
-    if (isBelow)
-        t = -t;
     if (t > CMathConst::kPi)
         t -= 2.0 * CMathConst::kPi;
+    if (isBelow)
+        t = -t;
     return t <= -CMathConst::kPi ? CMathConst::kPi : t;
 }
 

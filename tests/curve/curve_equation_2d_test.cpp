@@ -124,6 +124,12 @@ TEST(Ellipse, EquallyNearPointsGiveThePositiveParameter)
         EXPECT_NEAR(ellipse.FromXYZtoUV(point.x, point.y, 1.0).x, t, 1e-15)
             << radii << ' ' << point;
     }
+    // The foot across the longer axis, where an upper half leaves out the nearest one.
+    MArcEllipseEquation2d arc;
+    arc.Set({0, 0}, {2, 1}, {1, 0});
+    arc.SetAngles(0.05, kPi - 0.05);
+    const double right = arc.FromXYZtoUV(0.1, -0.05, 0.0).x;
+    EXPECT_NEAR(arc.FromXYZtoUV(-0.1, -0.05, 0.0).x, kPi - right, 1e-14);
 }
 
 TEST(Arc, ContinuesAtUnitSpeedAndKeepsItsInside)
