@@ -23,9 +23,10 @@ constexpr double kEpsilon = std::numeric_limits<double>::epsilon();
 // No piece of a proper curve is halved as often.
 constexpr int kMostHalvings = 50;
 
-// How many pieces a span may give on average. Proper curves stay below; where rounding spoils the
-// coefficients, of weights many powers of ten apart, it is the time that is kept.
-constexpr int kMostPieces = 64;
+// How many pieces a span may give. Proper curves stay far below; where rounding spoils the
+// coefficients, of weights many powers of ten apart, it is the time that is kept. Such a span takes
+// nothing from the others.
+constexpr int kMostPieces = 1000;
 
 double Dot3(const Point4D& a, const Point4D& b)
 {
@@ -102,7 +103,6 @@ private:
     std::vector<double> _binomials;
     std::vector<double> _inverses;
     bool _isRational = false;
-    std::int64_t _budget = 0;
     double _best = std::numeric_limits<double>::infinity();
     // What a piece has to come below, B less the slack.
     double _bound = std::numeric_limits<double>::infinity();
@@ -326,7 +326,7 @@ void Search::_SearchSpan(int span, const SpanInterval& interval)
     const auto order = static_cast<std::size_t>(_order);
     ExtractPiece(_curve, span, interval, _pieces.data());
     // Piece i of the stack has its points in place i.
-    while (!stack.empty() && _budget-- > 0) {
+    for (int count = 0; !stack.empty() && count < kMostPieces; ++count) {
         const Piece piece = stack.back();
         Point4D* const own = _pieces.data() + (stack.size() - 1) * order;
         stack.pop_back();
@@ -368,7 +368,6 @@ void Search::Run()
     _pieces.resize((kMostHalvings + 3) * order);
     _scaled.resize(order);
     _coefficients.resize(2 * order - 1);
-    _budget = std::int64_t{kMostPieces} * (_curve.numControlPoints + 16);
     _Offer(_from);
     _Offer(_to);
     _OfferFirstGuess();

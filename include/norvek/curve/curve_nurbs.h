@@ -110,7 +110,8 @@ protected:
     /// what the fit has left: without points, or at the origin after a least-squares failure.
     error _Fit(const std::vector<MMPoint3d<double>>& points) override;
 
-    /// The globally nearest parameter, for orders up to 500: no branch is missed.
+    /// The globally nearest parameter, for orders up to 500: no branch is missed, weights within
+    /// some three powers of ten of each other supposed.
     ///
     /// Every knot span is a polynomial over the Bernstein basis, and so is the squared distance.
     /// Its coefficients bound it from below: pieces that cannot come nearer than the best point
