@@ -60,8 +60,8 @@ private:
     // Seen obliquely: depth goes up and to the right.
     MMPoint2d<double> Seen(const Point& p) const
     {
-        return {kMargin + 110.0 + kPerMillimetre * (p.x + 0.25 * p.z),
-                _top + 0.5 * kHeight + 4.0 - kPerMillimetre * (0.62 * p.y + 0.55 * p.z)};
+        return {kMargin + 110.0 + _perMillimetre * (p.x + 0.25 * p.z),
+                _top + 0.5 * kHeight + 4.0 - _perMillimetre * (0.62 * p.y + 0.55 * p.z)};
     }
 
     void Heading(const char* title, double height)
@@ -161,6 +161,8 @@ private:
         Heading("Points and the nearest points of the curve", kHeight);
         Key(0.0, "nearest points", kRed);
         Key(110.0, "points", kInk);
+        // The points lie farther out than the curve.
+        _perMillimetre = 0.88 * kPerMillimetre;
         Curve(kBlue, 2.4);
         for (std::size_t i = 0; i < _scene.beside.size(); ++i) {
             const Point foot = At(_scene.feet[i]);
@@ -168,6 +170,7 @@ private:
             Dot(_scene.beside[i], 3.2, kInk);
             Dot(foot, 3.2, kRed);
         }
+        _perMillimetre = kPerMillimetre;
     }
 
     void WriteDivision()
@@ -187,6 +190,7 @@ private:
     SvgFile _file;
     std::ostream& _out;
     double _top = 0.0;
+    double _perMillimetre = kPerMillimetre;
 };
 
 } // namespace
