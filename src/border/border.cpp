@@ -276,7 +276,7 @@ bool M3dBorder<Coord, Payload, Contour>::FillWithTriangles(std::int32_t& count,
         auto order = nesting.orders.begin();
         for (Contour& contour : merged)
             contour.SetIsOuterContour(*order++ % 2 == 0);
-        merged._SortContours(SortedPositions(merged, nesting));
+        merged._PutInOrder(SortedPositions(merged, nesting));
         merged.AdjustTurningSenseToOuterContourParameter();
         merged._JoinHoles();
         const auto outlines = CollectRings(merged);
@@ -317,11 +317,11 @@ template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::_SortContours()
 {
     using namespace Norvek::Math::Core;
-    _SortContours(SortedPositions(*this, FindNesting(CollectRings(*this).rings)));
+    _PutInOrder(SortedPositions(*this, FindNesting(CollectRings(*this).rings)));
 }
 
 template <class Coord, class Payload, class Contour>
-void M3dBorder<Coord, Payload, Contour>::_SortContours(const std::vector<std::size_t>& positions)
+void M3dBorder<Coord, Payload, Contour>::_PutInOrder(const std::vector<std::size_t>& positions)
 {
     std::vector<std::unique_ptr<Contour>> contours;
     contours.reserve(_numContours);

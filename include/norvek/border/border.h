@@ -262,7 +262,7 @@ protected:
 
 private:
     // Puts the contours in the order of the positions; each stands there once.
-    void _SortContours(const std::vector<std::size_t>& positions);
+    void _PutInOrder(const std::vector<std::size_t>& positions);
 
     // Makes every hole part of the outer contour that stands before it.
     void _JoinHoles();
