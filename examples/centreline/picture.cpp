@@ -125,11 +125,12 @@ private:
             while (span < count && t >= knots[static_cast<std::size_t>(span)])
                 ++span;
             bc_eval_b_code_sub(t, order, knots.data(), span, values.data(), nullptr, nullptr);
-            for (int r = 0; r < order; ++r)
-                lines[static_cast<std::size_t>(span - order + r)].push_back(
-                    {kMargin + 10.0 + (kWidth - 20.0) * t,
-                     _top + kBasisHeight - 8.0 -
-                         (kBasisHeight - 18.0) * values[static_cast<std::size_t>(r)]});
+            // The values at t belong to the last B-splines up to the span.
+            auto line = lines.begin() + (span - order);
+            for (const double value : values) {
+                (line++)->push_back({kMargin + 10.0 + (kWidth - 20.0) * t,
+                                     _top + kBasisHeight - 8.0 - (kBasisHeight - 18.0) * value});
+            }
         }
         for (std::size_t i = 0; i < lines.size(); ++i)
             Line(lines[i], kBasisColours[i % std::size(kBasisColours)], 1.4);
