@@ -234,27 +234,27 @@ double M3dBorder<Coord, Payload, Contour>::CircumferenceXY() const
 template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::CalculateOrderOfContours()
 {
-    const auto nesting =
-        Norvek::Math::Core::FindNesting(Norvek::Math::Core::CollectRings(*this).rings);
-    auto order = nesting.orders.begin();
-    for (Contour& contour : *this)
-        contour.SetOrder(Norvek::Math::Core::ClampedOrder(*order++));
+    using namespace Norvek::Math::Core;
+    SetOrders(*this, FindNesting(CollectRings(*this).rings));
 }
 
 template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::DetermineOuterContours()
 {
     CalculateOrderOfContours();
-    for (Contour& contour : *this)
-        contour.SetIsOuterContour(contour.GetOrder() % 2 == 0);
+    Norvek::Math::Core::SetOuterFlags(*this);
 }
 
 template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::MergeToOnlyOuterContours()
 {
-    DetermineOuterContours();
-    _SortContours();
-    _JoinHoles();
+    using namespace Norvek::Math::Core;
+    const auto collected = CollectRings(*this);
+    const Nesting nesting = FindNesting(collected.rings);
+    SetOrders(*this, nesting);
+    SetOuterFlags(*this);
+    _PutInOrder(SortedPositions(collected.rings, nesting));
+    _JoinHoles(nesting.isPlain);
 }
 
 // Edges that cross leave the exact way closed: the holes are made part of their outer contours and
@@ -273,12 +273,11 @@ bool M3dBorder<Coord, Payload, Contour>::FillWithTriangles(std::int32_t& count,
         M3dBorder merged(*this);
         const Nesting nesting =
             FindNestingOfCrossing(collected.rings, CrossingRule::WhenMostPointsDo);
-        auto order = nesting.orders.begin();
-        for (Contour& contour : merged)
-            contour.SetIsOuterContour(*order++ % 2 == 0);
-        merged._PutInOrder(SortedPositions(merged, nesting));
+        SetOrders(merged, nesting);
+        SetOuterFlags(merged);
+        merged._PutInOrder(SortedPositions(collected.rings, nesting));
         merged.AdjustTurningSenseToOuterContourParameter();
-        merged._JoinHoles();
+        merged._JoinHoles(nesting.isPlain);
         const auto outlines = CollectRings(merged);
         triangles = ClipContours(outlines);
         outlines.Fill(triangles, payloads);
@@ -291,9 +290,8 @@ template <class Coord, class Payload, class Contour>
 bool M3dBorder<Coord, Payload, Contour>::IntersectsWithConnection(const PointType* p,
                                                                   const PointType* q) const
 {
-    if (p == nullptr || q == nullptr)
-        return false;
-    return Norvek::Math::Core::DoesConnectionMeetBorder(*p, *q, *this, {false, false});
+    using namespace Norvek::Math::Core;
+    return p != nullptr && q != nullptr && ConnectionTest(*this, {p, q}).DoesMeet(*p, *q, {});
 }
 
 template <class Coord, class Payload, class Contour>
@@ -317,7 +315,8 @@ template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::_SortContours()
 {
     using namespace Norvek::Math::Core;
-    _PutInOrder(SortedPositions(*this, FindNesting(CollectRings(*this).rings)));
+    const auto collected = CollectRings(*this);
+    _PutInOrder(SortedPositions(collected.rings, FindNesting(collected.rings)));
 }
 
 template <class Coord, class Payload, class Contour>
@@ -331,25 +330,44 @@ void M3dBorder<Coord, Payload, Contour>::_PutInOrder(const std::vector<std::size
         AddContourAtEnd(contours[position].release());
 }
 
+// A sweep over an outer contour and its holes does not see what else may reach into its region.
 template <class Coord, class Payload, class Contour>
-void M3dBorder<Coord, Payload, Contour>::_JoinHoles()
+void M3dBorder<Coord, Payload, Contour>::_JoinHoles(bool isPlain)
 {
     using namespace Norvek::Math::Core;
+    const ConnectionTest test(*this);
+    const auto isFree = [&](const PointType& p, const PointType& q) {
+        return isPlain || !test.DoesMeet(p, q, {true, true});
+    };
     for (Contour* outer = _firstContour; outer != nullptr; outer = outer->GetNextContour()) {
         std::vector<Contour*> holes;
         for (Contour* hole = outer->GetNextContour(); hole != nullptr && !hole->GetIsOuterContour();
              hole = hole->GetNextContour())
             holes.push_back(hole);
-        // From left to right: the left end of each hole then sees the outer contour, or a hole that
-        // is part of it already.
-        std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
-            return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
-        });
-        for (Contour* const hole : holes) {
-            if (!_TryToConnectContours(outer, hole))
-                outer->ConnectWith(outer->GetFirstPoint(), hole);
-            RemoveContour(hole);
+        if (holes.empty())
+            continue;
+        if (!JoinAlongSweep(*outer, holes, isFree)) {
+            _JoinOneByOne(outer, holes);
+            continue;
         }
+        for (Contour* const hole : holes)
+            RemoveContour(hole);
+    }
+}
+
+// From left to right: the left end of each hole then sees the outer contour, or a hole that is part
+// of it already.
+template <class Coord, class Payload, class Contour>
+void M3dBorder<Coord, Payload, Contour>::_JoinOneByOne(Contour* outer, std::vector<Contour*> holes)
+{
+    using namespace Norvek::Math::Core;
+    std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
+        return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
+    });
+    for (Contour* const hole : holes) {
+        if (!_TryToConnectContours(outer, hole))
+            outer->ConnectWith(outer->GetFirstPoint(), hole);
+        RemoveContour(hole);
     }
 }
 
@@ -360,14 +378,15 @@ bool M3dBorder<Coord, Payload, Contour>::_TryToConnectContours(Contour* outer, C
         return false;
     using namespace Norvek::Math::Core;
     auto* const leftmost = LeftmostPoint(*hole);
+    const ConnectionTest test(*this);
     // A hole that leans against an edge may see no point but along that edge. Open contours have
     // been nested as closed ones, so their closing edges count.
     for (const ConnectionRule rule : {ConnectionRule{true, false}, ConnectionRule{true, true}}) {
-        auto heap = HeapByDistance(*outer, *leftmost);
+        auto heap = HeapByDistance(*outer, *leftmost, test.Exponent());
         for (; !heap.empty(); heap.pop_back()) {
             std::pop_heap(heap.begin(), heap.end(), std::greater<>());
             auto* const nearest = heap.back().point;
-            if (!DoesConnectionMeetBorder(*leftmost, *nearest, *this, rule)) {
+            if (!test.DoesMeet(*leftmost, *nearest, rule)) {
                 hole->SetFirstPointAt(leftmost);
                 outer->ConnectWith(nearest, hole);
                 return true;

@@ -2,6 +2,8 @@
 
 #include "border/crossing_nesting.h"
 #include "border/ear_clipping.h"
+#include "border/hole_bridges.h"
+#include "border/ring_area.h"
 #include "border/ring_crossings.h"
 #include "border/triangulation.h"
 
@@ -9,6 +11,7 @@
 #include <cmath>
 #include <cstdint>
 #include <functional>
+#include <initializer_list>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -24,6 +27,24 @@ template <class Point>
 PlanePoint PlaceOf(const Point& point)
 {
     return {static_cast<double>(point.x), static_cast<double>(point.y)};
+}
+
+/// The same divided by 2 to a power.
+template <class Point>
+PlanePoint PlaceOf(const Point& point, int exponent)
+{
+    const PlanePoint place = PlaceOf(point);
+    if (exponent == 0)
+        return place;
+    return {std::ldexp(place.x, -exponent), std::ldexp(place.y, -exponent)};
+}
+
+/// Whether both coordinates are finite.
+template <class Point>
+bool IsFinite(const Point& point)
+{
+    const PlanePoint place = PlaceOf(point);
+    return std::isfinite(place.x) && std::isfinite(place.y);
 }
 
 /// The contours of a border as rings of places, in order, and the points there.
@@ -43,11 +64,8 @@ struct CollectedRings
             points.push_back(&point);
             rings.points.push_back(PlaceOf(point));
         }
-        const auto isFinite = [](const PlanePoint& p) {
-            return std::isfinite(p.x) && std::isfinite(p.y);
-        };
         const auto first = rings.points.begin() + static_cast<std::ptrdiff_t>(begin);
-        if (!std::all_of(first, rings.points.end(), isFinite)) {
+        if (!std::all_of(first, rings.points.end(), IsFinite<PlanePoint>)) {
             rings.points.resize(begin);
             points.resize(begin);
         }
@@ -84,6 +102,23 @@ inline unsigned char ClampedOrder(std::uint32_t order)
     return static_cast<unsigned char>(order <= kLargestEven ? order : kLargestEven + order % 2);
 }
 
+/// Gives the contours the orders of their rings.
+template <class Border>
+void SetOrders(Border& border, const Nesting& nesting)
+{
+    auto order = nesting.orders.begin();
+    for (auto& contour : border)
+        contour.SetOrder(ClampedOrder(*order++));
+}
+
+/// Makes outer contours of those whose order is even.
+template <class Border>
+void SetOuterFlags(Border& border)
+{
+    for (auto& contour : border)
+        contour.SetIsOuterContour(contour.GetOrder() % 2 == 0);
+}
+
 /// The ring of even order around a ring of odd order. Where rings cross, the innermost ring around
 /// a hole may be a hole itself, and the next one is asked; the outermost one has order 0.
 inline std::size_t OuterRing(const Nesting& nesting, std::size_t ring)
@@ -94,27 +129,22 @@ inline std::size_t OuterRing(const Nesting& nesting, std::size_t ring)
     return ring;
 }
 
-/// The positions of the contours, outer ones by descending area, each followed by its holes.
-template <class Border>
-std::vector<std::size_t> SortedPositions(const Border& border, const Nesting& nesting)
+/// The positions of the rings, outer ones by descending area, each followed by its holes.
+inline std::vector<std::size_t> SortedPositions(const RingPoints& rings, const Nesting& nesting)
 {
-    std::vector<double> areas;
-    areas.reserve(nesting.orders.size());
-    for (const auto& contour : border)
-        areas.push_back(std::abs(contour.SurfaceAreaWithSignXY()));
-    std::vector<std::size_t> byArea(areas.size());
-    std::iota(byArea.begin(), byArea.end(), std::size_t{0});
-    // NaN goes to the end.
-    std::stable_sort(byArea.begin(), byArea.end(), [&](std::size_t a, std::size_t b) {
-        return areas[a] > areas[b] || (std::isnan(areas[b]) && !std::isnan(areas[a]));
-    });
-    std::vector<std::vector<std::size_t>> holes(areas.size());
-    for (const std::size_t ring : byArea) {
+    RingAreas areas(rings);
+    std::vector<std::uint32_t> byArea(rings.NumRings());
+    std::iota(byArea.begin(), byArea.end(), 0U);
+    std::sort(byArea.begin(), byArea.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return areas.IsLarger(a, b); });
+    std::vector<std::vector<std::size_t>> holes(rings.NumRings());
+    for (const std::uint32_t ring : byArea) {
         if (nesting.orders[ring] % 2 == 1)
             holes[OuterRing(nesting, ring)].push_back(ring);
     }
     std::vector<std::size_t> sorted;
-    for (const std::size_t ring : byArea) {
+    sorted.reserve(rings.NumRings());
+    for (const std::uint32_t ring : byArea) {
         if (nesting.orders[ring] % 2 == 0) {
             sorted.push_back(ring);
             sorted.insert(sorted.end(), holes[ring].begin(), holes[ring].end());
@@ -159,46 +189,123 @@ struct DistantPoint
 };
 
 /// The points of a contour by their distance from a point, the nearest at the front of a heap under
-/// `std::greater`.
+/// `std::greater`. The coordinates are divided by 2 to the power `exponent`.
 template <class Contour, class Point>
-std::vector<DistantPoint<Point>> HeapByDistance(Contour& contour, const Point& from)
+std::vector<DistantPoint<Point>> HeapByDistance(Contour& contour, const Point& from, int exponent)
 {
     std::vector<DistantPoint<Point>> heap;
     heap.reserve(contour.GetNumPoints());
     std::uint32_t number = 0;
     for (Point& point : contour) {
-        const PlanePoint offset = PlaceOf(point) - PlaceOf(from);
+        const PlanePoint offset = PlaceOf(point, exponent) - PlaceOf(from, exponent);
         heap.push_back({offset.LengthSquared(), number++, &point});
     }
     std::make_heap(heap.begin(), heap.end(), std::greater<>());
     return heap;
 }
 
-/// Whether the connection of two places meets an edge of the contour.
-template <class Contour>
-bool DoesConnectionMeetContour(const PlanePoint& p, const PlanePoint& q, const Contour& contour,
-                               ConnectionRule rule)
+/// Holds connections of points against the edges of a border.
+template <class Border>
+class ConnectionTest
 {
-    const bool hasLast = contour.GetIsClosed() || rule.withClosingEdges;
-    for (const auto& point : contour) {
-        if (!hasLast && point.next == contour.GetFirstPoint())
-            break;
-        if (DoesConnectionMeet(p, q, PlaceOf(point), PlaceOf(*point.next), rule))
-            return true;
-    }
-    return false;
-}
+public:
+    using Point = typename Border::PointType;
 
-/// Whether the connection of two points meets an edge of the border.
-template <class Border, class Point>
-bool DoesConnectionMeetBorder(const Point& p, const Point& q, const Border& border,
-                              ConnectionRule rule)
+    /// `others` are points of connections to come that are not in the border.
+    explicit ConnectionTest(const Border& border, std::initializer_list<const Point*> others = {})
+        : _border(border)
+    {
+        double largest = 0.0;
+        for (const Point* const point : others)
+            largest = std::max(largest, _Size(*point));
+        for (const auto& contour : border)
+            for (const Point& point : contour)
+                largest = std::max(largest, _Size(point));
+        _exponent = ExponentOutOfRange(largest);
+    }
+
+    /// The power of 2 by which coordinates are divided.
+    [[nodiscard]] int Exponent() const
+    {
+        return _exponent;
+    }
+
+    /// Whether the connection meets an edge.
+    [[nodiscard]] bool DoesMeet(const Point& p, const Point& q, ConnectionRule rule) const
+    {
+        const PlanePoint from = PlaceOf(p, _exponent);
+        const PlanePoint to = PlaceOf(q, _exponent);
+        return std::any_of(_border.begin(), _border.end(),
+                           [&](const auto& contour) { return _DoesMeet(from, to, contour, rule); });
+    }
+
+private:
+    static double _Size(const Point& point)
+    {
+        const PlanePoint place = PlaceOf(point);
+        return IsFinite(place) ? std::max(std::abs(place.x), std::abs(place.y)) : 0.0;
+    }
+
+    template <class Contour>
+    bool _DoesMeet(const PlanePoint& p, const PlanePoint& q, const Contour& contour,
+                   ConnectionRule rule) const
+    {
+        const bool hasLast = contour.GetIsClosed() || rule.withClosingEdges;
+        return std::any_of(contour.begin(), contour.end(), [&](const Point& point) {
+            return (hasLast || point.next != contour.GetFirstPoint()) &&
+                   DoesConnectionMeet(p, q, PlaceOf(point, _exponent),
+                                      PlaceOf(*point.next, _exponent), rule);
+        });
+    }
+
+    const Border& _border;
+    int _exponent;
+};
+
+/// Makes the holes part of the outer contour around them. False, with nothing changed, when they
+/// cross or when `isFree(p, q)` is false for one of the bridges.
+template <class Contour, class Predicate>
+bool JoinAlongSweep(Contour& outer, const std::vector<Contour*>& holes, const Predicate& isFree)
 {
-    const PlanePoint from = PlaceOf(p);
-    const PlanePoint to = PlaceOf(q);
-    return std::any_of(border.begin(), border.end(), [&](const auto& contour) {
-        return DoesConnectionMeetContour(from, to, contour, rule);
-    });
+    CollectedRings<typename Contour::PointType> collected;
+    std::vector<typename Contour::PointType*> nodes;
+    const auto add = [&](Contour& contour) {
+        collected.Add(contour);
+        for (auto& point : contour)
+            nodes.push_back(&point);
+    };
+    add(outer);
+    for (Contour* const hole : holes)
+        add(*hole);
+    collected.rings.BringIntoRange();
+    const auto bridges = FindBridges(collected.rings);
+    if (!bridges.has_value())
+        return false;
+    auto& points = collected.points;
+    for (const Bridge& bridge : *bridges) {
+        if (!isFree(*points[bridge.from], *points[bridge.to]))
+            return false;
+        points.push_back(points[bridge.from]);
+        points.push_back(points[bridge.to]);
+    }
+    const auto& starts = collected.rings.starts;
+    for (const Bridge& bridge : *bridges) {
+        Contour& hole = *holes[bridge.ring - 1];
+        auto* const end = nodes[bridge.to];
+        hole.SetFirstPointAt(nodes[bridge.from]);
+        outer.ConnectWith(end, &hole);
+        // The points of the hole are now those of the outline.
+        auto* copy = end->next;
+        const std::uint32_t size = starts[bridge.ring + 1] - starts[bridge.ring];
+        std::uint32_t node = bridge.from;
+        for (std::uint32_t i = 0; i < size; ++i, copy = copy->next) {
+            nodes[node] = copy;
+            node = node + 1 == starts[bridge.ring + 1] ? starts[bridge.ring] : node + 1;
+        }
+        nodes.push_back(copy);
+        nodes.push_back(copy->next);
+    }
+    return true;
 }
 
 /// Triangulates by cutting corners off each contour in turn.

@@ -1,11 +1,9 @@
 #include "border/crossing_nesting.h"
 
 #include "border/edge_tree.h"
-#include "border/triangulation.h"
+#include "border/ring_area.h"
 
 #include <algorithm>
-#include <cmath>
-#include <optional>
 
 namespace Norvek::Math::Core
 {
@@ -44,88 +42,66 @@ Position PositionIn(const EdgeTree& ring, const PlanePoint& place)
     return isInside ? Position::Inside : Position::Outside;
 }
 
-bool DoCross(const EdgeTree& a, const EdgeTree& b)
+template <class Predicate>
+bool AnyEdges(const EdgeTree& a, const EdgeTree& b, const Predicate& predicate)
 {
     return a.AnyPair(b, [&](std::uint32_t edge, std::uint32_t other) {
-        const PlanePoint& p = a.Begin(edge);
-        const PlanePoint& q = a.End(edge);
-        const PlanePoint& r = b.Begin(other);
-        const PlanePoint& s = b.End(other);
-        return Orientation(p, q, r) * Orientation(p, q, s) < 0 &&
-               Orientation(r, s, p) * Orientation(r, s, q) < 0;
+        return predicate(a.Begin(edge), a.End(edge), b.Begin(other), b.End(other));
     });
 }
 
 class Pairs
 {
 public:
-    Pairs(const RingPoints& rings, CrossingRule rule) : _rings(rings), _rule(rule)
+    Pairs(const RingPoints& rings, CrossingRule rule) : _rings(rings), _rule(rule), _areas(rings)
     {
         _trees.reserve(rings.NumRings());
-        _regions.reserve(rings.NumRings());
-        for (std::size_t ring = 0; ring < rings.NumRings(); ++ring) {
+        _crossesItself.reserve(rings.NumRings());
+        for (std::uint32_t ring = 0; ring < rings.NumRings(); ++ring) {
             _trees.emplace_back(rings.Ring(ring), true);
-            _regions.push_back(_RegionOf(rings.Ring(ring)));
+            _crossesItself.push_back(!SweepNesting(_Alone({ring})).has_value());
         }
     }
 
-    [[nodiscard]] bool IsAround(std::uint32_t outer, std::uint32_t inner) const
+    [[nodiscard]] const std::vector<EdgeTree>& Trees() const
     {
-        if (_trees[outer].NumEdges() == 0 || _trees[inner].NumEdges() == 0 ||
-            !_trees[outer].Bounds().Meets(_trees[inner].Bounds()))
-            return false;
-        // Where neither rim crosses the other, one place within decides whether one ring is around
-        // the other, and the areas decide which.
-        const double outerArea = _regions[outer].area;
-        const double innerArea = _regions[inner].area;
-        const bool isLarger = outerArea != innerArea ? outerArea > innerArea : outer < inner;
-        if (!isLarger)
-            return false;
-        if (!DoCross(_trees[outer], _trees[inner]))
-            return _LiesIn(outer, inner);
-        return _rule == CrossingRule::WhenMostPointsDo && _LiesMostlyIn(outer, inner);
+        return _trees;
+    }
+
+    // The boxes of the two meet.
+    [[nodiscard]] bool IsAround(std::uint32_t outer, std::uint32_t inner)
+    {
+        if (_trees[outer].Bounds().Holds(_trees[inner].Bounds())) {
+            // Rims without a common place: any place of the ring tells.
+            if (!AnyEdges(_trees[outer], _trees[inner], DoMeet))
+                return PositionIn(_trees[outer], _rings.Ring(inner)[0]) == Position::Inside;
+            const auto both =
+                SweepNesting(_Alone({std::min(outer, inner), std::max(outer, inner)}));
+            if (both.has_value())
+                return both->orders[inner < outer ? 0 : 1] == 1;
+            if ((_crossesItself[outer] || _crossesItself[inner]) &&
+                !AnyEdges(_trees[outer], _trees[inner], DoCross))
+                return _areas.IsLarger(outer, inner) && _LiesIn(outer, inner);
+        }
+        return _rule == CrossingRule::WhenMostPointsDo && _areas.IsLarger(outer, inner) &&
+               _LiesMostlyIn(outer, inner);
     }
 
 private:
-    struct Region
+    [[nodiscard]] RingPoints _Alone(std::initializer_list<std::uint32_t> chosen) const
     {
-        double area = 0.0;
-        /// In the middle of some triangle of the region.
-        std::optional<PlanePoint> place;
-    };
-
-    static Region _RegionOf(std::span<const PlanePoint> places)
-    {
-        Region region;
         RingPoints alone;
-        alone.points.assign(places.begin(), places.end());
-        alone.starts.push_back(static_cast<std::uint32_t>(places.size()));
-        std::vector<IndexTriangle> triangles;
-        const auto doubledArea = [](PlanePoint a, PlanePoint b, const PlanePoint& origin) {
-            a -= origin;
-            b -= origin;
-            return a.x * b.y - a.y * b.x;
-        };
-        if (Triangulate(alone, triangles)) {
-            for (const auto& [a, b, c] : triangles)
-                region.area += doubledArea(places[b], places[c], places[a]);
-            if (!triangles.empty()) {
-                const auto& [a, b, c] = triangles[triangles.size() / 2];
-                region.place = (places[a] + places[b] + places[c]) / 3.0;
-            }
-        } else {
-            for (std::size_t i = 1; i + 1 < places.size(); ++i)
-                region.area += doubledArea(places[i], places[i + 1], places[0]);
-            region.area = std::abs(region.area);
+        for (const std::uint32_t ring : chosen) {
+            const auto places = _rings.Ring(ring);
+            alone.points.insert(alone.points.end(), places.begin(), places.end());
+            alone.starts.push_back(static_cast<std::uint32_t>(alone.points.size()));
         }
-        return region;
+        return alone;
     }
 
+    // By the first place that is not on the other rim.
     [[nodiscard]] bool _LiesIn(std::uint32_t outer, std::uint32_t inner) const
     {
-        if (_regions[inner].place.has_value())
-            return PositionIn(_trees[outer], *_regions[inner].place) == Position::Inside;
-        // Without area, or crossing itself: the first place that is not on the other rim.
         for (const PlanePoint& place : _rings.Ring(inner)) {
             const Position position = PositionIn(_trees[outer], place);
             if (position != Position::On)
@@ -146,8 +122,9 @@ private:
 
     const RingPoints& _rings;
     CrossingRule _rule;
+    RingAreas _areas;
     std::vector<EdgeTree> _trees;
-    std::vector<Region> _regions;
+    std::vector<bool> _crossesItself;
 };
 
 } // namespace
@@ -155,26 +132,31 @@ private:
 Nesting FindNestingOfCrossing(const RingPoints& rings, CrossingRule rule)
 {
     const auto numRings = static_cast<std::uint32_t>(rings.NumRings());
+    Pairs pairs(rings, rule);
+    std::vector<std::vector<std::uint32_t>> around(numRings);
+    ForEachMeetingPair(pairs.Trees(), [&](std::uint32_t a, std::uint32_t b) {
+        if (pairs.IsAround(a, b))
+            around[b].push_back(a);
+        else if (pairs.IsAround(b, a))
+            around[a].push_back(b);
+    });
     Nesting nesting;
     nesting.parents.assign(numRings, kNone);
     nesting.orders.assign(numRings, 0);
-    const Pairs pairs(rings, rule);
-    std::vector<std::vector<std::uint32_t>> around(numRings);
-    for (std::uint32_t inner = 0; inner < numRings; ++inner) {
-        for (std::uint32_t outer = 0; outer < numRings; ++outer) {
-            if (outer != inner && pairs.IsAround(outer, inner))
-                around[inner].push_back(outer);
-        }
-        nesting.orders[inner] = static_cast<std::uint32_t>(around[inner].size());
-    }
-    // The innermost one has most others around itself.
+    nesting.isPlain = false;
     for (std::uint32_t ring = 0; ring < numRings; ++ring) {
-        const auto innermost = std::max_element(around[ring].begin(), around[ring].end(),
-                                                [&](std::uint32_t a, std::uint32_t b) {
-                                                    return nesting.orders[a] < nesting.orders[b];
-                                                });
-        if (innermost != around[ring].end())
-            nesting.parents[ring] = *innermost;
+        std::uint32_t& parent = nesting.parents[ring];
+        for (const std::uint32_t candidate : around[ring]) {
+            const std::size_t depth = around[candidate].size();
+            // Rings that lie mostly in each other may go round in a circle.
+            if (depth >= around[ring].size())
+                continue;
+            const std::size_t deepest = parent == kNone ? 0 : around[parent].size();
+            if (parent == kNone || depth > deepest || (depth == deepest && candidate < parent))
+                parent = candidate;
+        }
+        if (parent != kNone)
+            nesting.orders[ring] = static_cast<std::uint32_t>(around[ring].size());
     }
     return nesting;
 }

@@ -145,8 +145,7 @@ public:
             const PlanePoint& p = edges.Begin(edge);
             const PlanePoint& q = edges.End(edge);
             return _isIn[edge] && _isIn[edge + 1 == _isIn.size() ? 0 : edge + 1] &&
-                   Orientation(a, c, p) * Orientation(a, c, q) < 0 &&
-                   Orientation(p, q, a) * Orientation(p, q, c) < 0;
+                   DoCross(a, c, p, q);
         });
     }
 

@@ -1,16 +1,9 @@
 #include "border/edge_tree.h"
 
-#include <algorithm>
 #include <limits>
 
 namespace Norvek::Math::Core
 {
-
-void PlaneBox::Add(const PlaneBox& other)
-{
-    low = {std::min(low.x, other.low.x), std::min(low.y, other.low.y)};
-    high = {std::max(high.x, other.high.x), std::max(high.y, other.high.y)};
-}
 
 EdgeTree::EdgeTree(std::span<const PlanePoint> points, bool isClosed)
     : _points(points),

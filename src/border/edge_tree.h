@@ -1,41 +1,15 @@
 #pragma once
 
-#include "border/orientation.h"
+#include "border/segments.h"
 
+#include <algorithm>
 #include <cstdint>
+#include <numeric>
 #include <span>
 #include <vector>
 
 namespace Norvek::Math::Core
 {
-
-/// An upright rectangle.
-struct PlaneBox
-{
-    PlanePoint low;
-    PlanePoint high;
-
-    /// The box of an edge.
-    static PlaneBox Of(const PlanePoint& p, const PlanePoint& q)
-    {
-        return {{p.x < q.x ? p.x : q.x, p.y < q.y ? p.y : q.y},
-                {p.x < q.x ? q.x : p.x, p.y < q.y ? q.y : p.y}};
-    }
-
-    [[nodiscard]] bool Meets(const PlaneBox& other) const
-    {
-        return low.x <= other.high.x && other.low.x <= high.x && low.y <= other.high.y &&
-               other.low.y <= high.y;
-    }
-
-    [[nodiscard]] bool Holds(const PlaneBox& other) const
-    {
-        return low.x <= other.low.x && low.y <= other.low.y && high.x >= other.high.x &&
-               high.y >= other.high.y;
-    }
-
-    void Add(const PlaneBox& other);
-};
 
 /// Boxes over the edges of one ring and, halving the ring again and again, over runs of them. Edges
 /// that follow each other lie together, so that nothing need be sorted: building is linear, and two
@@ -187,5 +161,26 @@ private:
     std::uint32_t _numLeaves = 1;
     std::vector<PlaneBox> _boxes;
 };
+
+/// Calls `visit(i, j)`, i < j, for the pairs of rings whose boxes meet, in no particular order.
+/// Rings that are spread along x are compared with their neighbours only.
+template <class Visit>
+void ForEachMeetingPair(const std::vector<EdgeTree>& rings, const Visit& visit)
+{
+    std::vector<std::uint32_t> byLeft(rings.size());
+    std::iota(byLeft.begin(), byLeft.end(), 0U);
+    const auto left = [&](std::uint32_t ring) {
+        return rings[ring].Bounds().low.x;
+    };
+    std::sort(byLeft.begin(), byLeft.end(),
+              [&](std::uint32_t a, std::uint32_t b) { return left(a) < left(b); });
+    for (auto i = byLeft.begin(); i != byLeft.end(); ++i) {
+        const PlaneBox& box = rings[*i].Bounds();
+        for (auto j = i + 1; j != byLeft.end() && left(*j) <= box.high.x; ++j) {
+            if (box.Meets(rings[*j].Bounds()))
+                visit(std::min(*i, *j), std::max(*i, *j));
+        }
+    }
+}
 
 } // namespace Norvek::Math::Core

@@ -1,6 +1,10 @@
 // The region above an edge of the sweep line belongs to the edge's ring or, when that ends there,
 // to the ring around it. So the lowest edge at a ring's left end knows, from its neighbour below,
 // what the ring lies in.
+//
+// Regions that overlap in part, through vertices at which no edges cross, show at the rims: a ring
+// is then entered elsewhere than from the ring around it, or left into a ring that is not around
+// it.
 
 #include "border/nesting.h"
 
@@ -32,8 +36,9 @@ public:
     }
 
     // Decides for every edge on which side the inside of its ring lies, and brings edges that
-    // coincide into the order in which their rings end and begin.
-    void Pass(std::uint32_t place, std::uint32_t below, const std::vector<std::uint32_t>& ended,
+    // coincide into the order in which their rings end and begin. False when regions overlap in
+    // part.
+    bool Pass(std::uint32_t place, std::uint32_t below, const std::vector<std::uint32_t>& ended,
               std::vector<std::uint32_t>& outgoing)
     {
         std::uint32_t region = _RegionAbove(below);
@@ -55,9 +60,14 @@ public:
             const std::size_t begin = _kept.size();
             for (; first < end; ++first)
                 _KeepOrCancel(begin, outgoing[first]);
-            region = _EnterGroup(place, begin, region);
+            _kept.erase(
+                std::remove(_kept.begin() + static_cast<std::ptrdiff_t>(begin), _kept.end(), kNone),
+                _kept.end());
+            if (!_EnterGroup(place, begin, region))
+                return false;
         }
         outgoing = _kept;
+        return true;
     }
 
 private:
@@ -67,6 +77,8 @@ private:
         std::uint32_t seenAt = kNone;
         bool isInside = false;
         bool hasBegun = false;
+        // Where an edge of the ring was kept last.
+        std::size_t keptAt = 0;
         std::uint32_t nextFlat = kNone;
     };
 
@@ -85,23 +97,27 @@ private:
     void _KeepOrCancel(std::size_t begin, std::uint32_t edge)
     {
         SweepEdge& added = _graph.edges[edge];
-        for (std::size_t i = begin; i < _kept.size(); ++i) {
-            SweepEdge& shorter = _graph.edges[_kept[i]];
-            if (shorter.ring != added.ring)
-                continue;
-            shorter.isAlive = false;
-            if (added.right == shorter.right)
-                added.isAlive = false;
-            else
-                _graph.BeginAt(edge, shorter.right);
-            _kept.erase(_kept.begin() + static_cast<std::ptrdiff_t>(i));
+        std::size_t& keptAt = _rings[added.ring].keptAt;
+        const bool isSecond = keptAt >= begin && keptAt < _kept.size() && _kept[keptAt] != kNone &&
+                              _graph.edges[_kept[keptAt]].ring == added.ring;
+        if (!isSecond) {
+            keptAt = _kept.size();
+            _kept.push_back(edge);
             return;
         }
-        _kept.push_back(edge);
+        _nesting.isPlain = false;
+        SweepEdge& shorter = _graph.edges[_kept[keptAt]];
+        shorter.isAlive = false;
+        if (added.right == shorter.right)
+            added.isAlive = false;
+        else
+            _graph.BeginAt(edge, shorter.right);
+        _kept[keptAt] = kNone;
     }
 
-    // Edges that coincide, from `begin` on, above `region`. Returns the region above them.
-    std::uint32_t _EnterGroup(std::uint32_t place, std::size_t begin, std::uint32_t region)
+    // Edges that coincide, from `begin` on, above `region`, which becomes the region above them.
+    // False when a ring is entered or left elsewhere than it may be.
+    bool _EnterGroup(std::uint32_t place, std::size_t begin, std::uint32_t& region)
     {
         for (std::size_t i = begin; i < _kept.size(); ++i) {
             const std::uint32_t ring = _graph.edges[_kept[i]].ring;
@@ -122,9 +138,11 @@ private:
                 _rings[ring].hasBegun = true;
                 _SetParent(ring, region);
             }
+            if (region != (_isInsideAbove[_kept[i]] ? _nesting.parents[ring] : ring))
+                return false;
             region = _RegionAbove(_kept[i]);
         }
-        return region;
+        return true;
     }
 
     // Rings that end come before rings that begin; inner ones end first, outer ones begin first.
@@ -132,9 +150,18 @@ private:
     {
         if (_isInsideAbove[a] != _isInsideAbove[b])
             return _isInsideAbove[b];
-        const bool isOuter = _areas.IsLarger(_graph.edges[a].ring, _graph.edges[b].ring);
-        const bool isInner = _areas.IsLarger(_graph.edges[b].ring, _graph.edges[a].ring);
-        return _isInsideAbove[a] ? isOuter : isInner;
+        const std::uint32_t ringA = _graph.edges[a].ring;
+        const std::uint32_t ringB = _graph.edges[b].ring;
+        return _isInsideAbove[a] ? _IsOuter(ringA, ringB) : _IsOuter(ringB, ringA);
+    }
+
+    // Of two rings around the same gap. One that reaches farther to the left is around the other;
+    // areas are asked, which are rounded, where both begin.
+    bool _IsOuter(std::uint32_t a, std::uint32_t b)
+    {
+        if (_rings[a].hasBegun != _rings[b].hasBegun)
+            return _rings[a].hasBegun;
+        return _rings[a].hasBegun ? _nesting.orders[a] < _nesting.orders[b] : _areas.IsLarger(a, b);
     }
 
     [[nodiscard]] std::uint32_t _RegionAbove(std::uint32_t edge) const
@@ -145,9 +172,10 @@ private:
         return _isInsideAbove[edge] ? ring : _nesting.parents[ring];
     }
 
+    // The rings around a region have smaller orders the farther out they are.
     [[nodiscard]] bool _IsAround(std::uint32_t ring, std::uint32_t region) const
     {
-        while (region != kNone && region != ring)
+        while (region != kNone && _nesting.orders[region] > _nesting.orders[ring])
             region = _nesting.parents[region];
         return region == ring;
     }
@@ -170,7 +198,7 @@ private:
 
 } // namespace
 
-Nesting FindNesting(const RingPoints& rings)
+std::optional<Nesting> SweepNesting(const RingPoints& rings)
 {
     Nesting nesting;
     nesting.parents.assign(rings.NumRings(), kNone);
@@ -178,8 +206,15 @@ Nesting FindNesting(const RingPoints& rings)
     PlaneGraph graph(rings);
     NestingJob job(graph, rings, nesting);
     if (!PlaneSweep(graph, job).Run())
-        nesting = FindNestingOfCrossing(rings, CrossingRule::Never);
+        return std::nullopt;
     return nesting;
+}
+
+Nesting FindNesting(const RingPoints& rings)
+{
+    auto nesting = SweepNesting(rings);
+    return nesting.has_value() ? *std::move(nesting)
+                               : FindNestingOfCrossing(rings, CrossingRule::Never);
 }
 
 } // namespace Norvek::Math::Core

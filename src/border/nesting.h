@@ -3,6 +3,7 @@
 #include "border/plane_graph.h"
 
 #include <cstdint>
+#include <optional>
 #include <vector>
 
 namespace Norvek::Math::Core
@@ -15,6 +16,9 @@ struct Nesting
     std::vector<std::uint32_t> parents;
     /// The number of rings around each ring.
     std::vector<std::uint32_t> orders;
+    /// Whether every two rings lie in each other or apart, no edges cross, and no ring has edges on
+    /// top of each other, which may reach into regions that are not around it.
+    bool isPlain = true;
 };
 
 /// A ring lies in another one when the region within it does, rims that touch or coincide included;
@@ -22,9 +26,13 @@ struct Nesting
 /// it is for positions. A ring without area lies where its leftmost place does; where regions meet
 /// there, in the lower one.
 ///
-/// O(n log n) for rings that do not cross, n being the number of points. Where edges cross, every
-/// ring is held against every other one whose box holds it, in time proportional to the product of
-/// their points, and rings that cross do not lie in each other. `rings` is finite and in range.
+/// O(n log n), n being the number of points, when every two regions lie in each other or apart.
+/// Where edges cross or regions overlap in part, every ring is held against every other one whose
+/// box meets it; rings that overlap in part do not lie in each other, and the parent is one of
+/// those around the ring that lie deepest. `rings` is finite and in range.
 Nesting FindNesting(const RingPoints& rings);
+
+/// The same by a sweep alone: nothing when edges cross or regions overlap in part.
+std::optional<Nesting> SweepNesting(const RingPoints& rings);
 
 } // namespace Norvek::Math::Core

@@ -26,24 +26,23 @@ struct SortedPoint
 
 } // namespace
 
-bool RingPoints::IsFinite() const
+int ExponentOutOfRange(double largestCoordinate)
 {
-    return std::all_of(points.begin(), points.end(), [](const PlanePoint& p) {
-        return std::isfinite(p.x) && std::isfinite(p.y);
-    });
+    constexpr int kMostExponent = 400;
+    if (largestCoordinate == 0.0)
+        return 0;
+    const int exponent = std::ilogb(largestCoordinate);
+    return std::abs(exponent) > kMostExponent ? exponent : 0;
 }
 
 void RingPoints::BringIntoRange()
 {
-    constexpr int kMostExponent = 400;
     double largest = 0.0;
     for (const PlanePoint& p : points)
         largest = std::max({largest, std::abs(p.x), std::abs(p.y)});
-    if (largest == 0.0)
+    exponent = ExponentOutOfRange(largest);
+    if (exponent == 0)
         return;
-    if (std::abs(std::ilogb(largest)) <= kMostExponent)
-        return;
-    exponent = std::ilogb(largest);
     for (PlanePoint& p : points)
         p = {std::ldexp(p.x, -exponent), std::ldexp(p.y, -exponent)};
 }

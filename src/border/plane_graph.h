@@ -9,6 +9,10 @@
 namespace Norvek::Math::Core
 {
 
+/// The power of 2 by which coordinates of this size have to be divided so that the products of an
+/// orientation neither overflow nor vanish; 0 when they do not anyway.
+int ExponentOutOfRange(double largestCoordinate);
+
 /// The points of rings one after another, as a sweep takes them.
 struct RingPoints
 {
@@ -28,11 +32,7 @@ struct RingPoints
         return {points.data() + starts[ring], starts[ring + 1] - starts[ring]};
     }
 
-    /// Whether every coordinate is finite.
-    [[nodiscard]] bool IsFinite() const;
-
-    /// Multiplies all coordinates by a power of 2 when their size would make the products of an
-    /// orientation overflow or vanish; `exponent` is then the power that brings them back.
+    /// Multiplies all coordinates by a power of 2 when `ExponentOutOfRange` says so.
     void BringIntoRange();
 };
 

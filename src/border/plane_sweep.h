@@ -19,9 +19,10 @@ namespace Norvek::Math::Core
 ///
 /// At every place the job is told what happens there, through
 ///
-///     void Pass(std::uint32_t place, std::uint32_t below,
+///     bool Pass(std::uint32_t place, std::uint32_t below,
 ///               const std::vector<std::uint32_t>& ended, std::vector<std::uint32_t>& outgoing);
 ///
+/// which returns whether to go on.
 /// `below` is the edge next below the place (`kNone` for none); `ended` are the edges that end or
 /// are cut there, from bottom to top; `outgoing` are those that begin there, by direction from
 /// bottom to top and, where directions are the same, the shorter ones first. The job may take out
@@ -33,7 +34,7 @@ public:
     PlaneSweep(PlaneGraph& graph, Job& job) : _graph(graph), _job(job), _status(graph.edges.size())
     {}
 
-    /// Runs over all places. False as soon as two edges are found to cross.
+    /// Runs over all places. False as soon as two edges are found to cross or the job gives up.
     bool Run()
     {
         const auto numPlaces = static_cast<std::uint32_t>(_graph.places.size());
@@ -54,7 +55,8 @@ private:
         const bool isCutting = _CutAt(place);
         if (_outgoing.size() > 1)
             _SortByDirection(place);
-        _job.Pass(place, below, _ended, _outgoing);
+        if (!_job.Pass(place, below, _ended, _outgoing))
+            return false;
         const std::uint32_t last = _UpdateStatus(below, isCutting);
         const std::uint32_t above = _status.Next(last);
         if (_outgoing.empty())

@@ -43,11 +43,6 @@ private:
     }
 };
 
-bool LiesWithin(const PlanePoint& place, const PlanePoint& p, const PlanePoint& q)
-{
-    return PlaneBox::Of(p, q).Meets({place, place}) && Orientation(p, q, place) == 0;
-}
-
 // A parameter of a place between the ends, which rounding must not bring there.
 double BetweenEnds(double parameter)
 {
@@ -82,12 +77,6 @@ double CrossingParameter(const Segment& edge, const Segment& line)
     return before + behind > 0.0 ? before / (before + behind) : 0.5;
 }
 
-bool DoCross(const Segment& a, const Segment& b)
-{
-    return Orientation(a.begin, a.end, b.begin) * Orientation(a.begin, a.end, b.end) < 0 &&
-           Orientation(b.begin, b.end, a.begin) * Orientation(b.begin, b.end, a.end) < 0;
-}
-
 // Calls `add` for every meeting: the crossing, or every end of one edge that lies on the other,
 // once each.
 template <class Add>
@@ -95,14 +84,14 @@ void FindMeetings(const Segment& a, const Segment& b, const Add& add)
 {
     if (a.begin == a.end || b.begin == b.end)
         return;
-    if (DoCross(a, b)) {
+    if (DoCross(a.begin, a.end, b.begin, b.end)) {
         const double t = CrossingParameter(a, b);
         const PlanePoint place = a.begin + t * (a.end - a.begin);
         add(Meeting{BetweenEnds(t), BetweenEnds(CrossingParameter(b, a)), place});
         return;
     }
     const auto holds = [](const Segment& segment, const PlanePoint& place) {
-        return LiesWithin(place, segment.begin, segment.end) &&
+        return LiesOn(place, segment.begin, segment.end) &&
                (segment.hasEnd || !(place == segment.end));
     };
     if (holds(b, a.begin))
@@ -124,24 +113,25 @@ std::vector<std::vector<MIntersectionValue>> FindCrossings(const std::vector<Edg
                                                            CrossingChoice choice)
 {
     std::vector<std::vector<MIntersectionValue>> values(rings.size());
-    for (std::uint32_t i = 0; i < rings.size(); ++i) {
-        // Both edges get the meeting; pairs that share a vertex of the ring do not meet there,
-        // since the earlier edge does not hold its end.
-        const auto visit = [&](std::uint32_t j) {
-            return [&, j](std::uint32_t edge, std::uint32_t other) {
-                const Segment a(rings[i], edge);
-                const Segment b(rings[j], other);
-                FindMeetings(a, b, [&](const Meeting& m) {
-                    values[i].push_back({edge, m.first, j, other, m.second, m.place});
-                    values[j].push_back({other, m.second, i, edge, m.first, m.place});
-                });
-                return false;
-            };
+    // Both edges get the meeting; pairs that share a vertex of the ring do not meet there, since
+    // the earlier edge does not hold its end.
+    const auto collect = [&](std::uint32_t i, std::uint32_t j) {
+        return [&, i, j](std::uint32_t edge, std::uint32_t other) {
+            const Segment a(rings[i], edge);
+            const Segment b(rings[j], other);
+            FindMeetings(a, b, [&](const Meeting& m) {
+                values[i].push_back({edge, m.first, j, other, m.second, m.place});
+                values[j].push_back({other, m.second, i, edge, m.first, m.place});
+            });
+            return false;
         };
-        if (choice.withItself)
-            rings[i].AnyOwnPair(visit(i));
-        for (std::uint32_t j = i + 1; choice.withOthers && j < rings.size(); ++j)
-            rings[i].AnyPair(rings[j], visit(j));
+    };
+    for (std::uint32_t i = 0; choice.withItself && i < rings.size(); ++i)
+        rings[i].AnyOwnPair(collect(i, i));
+    if (choice.withOthers) {
+        ForEachMeetingPair(rings, [&](std::uint32_t i, std::uint32_t j) {
+            rings[i].AnyPair(rings[j], collect(i, j));
+        });
     }
     const auto key = [](const MIntersectionValue& v) {
         return std::tie(v.edge, v.parameter, v.otherContour, v.otherEdge, v.otherParameter);
@@ -168,7 +158,7 @@ bool DoesConnectionMeet(const PlanePoint& p, const PlanePoint& q, const PlanePoi
     if ((sideR == 0 && isStrictlyBetween(r)) || (sideS == 0 && isStrictlyBetween(s)))
         return true;
     if (sideR == 0 && sideS == 0)
-        return !rule.mayRunAlong && !(r == s) && LiesWithin(p, r, s) && LiesWithin(q, r, s);
+        return !rule.mayRunAlong && !(r == s) && LiesOn(p, r, s) && LiesOn(q, r, s);
     return sideR * sideS < 0 && Orientation(r, s, p) * Orientation(r, s, q) < 0;
 }
 

@@ -26,9 +26,9 @@ std::vector<std::vector<MIntersectionValue>> FindCrossings(const std::vector<Edg
 struct ConnectionRule
 {
     /// The edges that close open contours count.
-    bool withClosingEdges;
+    bool withClosingEdges = false;
     /// An edge that the connection is part of does not count.
-    bool mayRunAlong;
+    bool mayRunAlong = false;
 };
 
 /// Whether the open segment from p to q has a place in common with the segment from r to s. A place

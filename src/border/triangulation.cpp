@@ -151,13 +151,13 @@ public:
           _gaps(graph.edges.size())
     {}
 
-    void Pass(std::uint32_t place, std::uint32_t below, const std::vector<std::uint32_t>& ended,
+    bool Pass(std::uint32_t place, std::uint32_t below, const std::vector<std::uint32_t>& ended,
               std::vector<std::uint32_t>& outgoing)
     {
         _CancelPairs(place, outgoing);
         Gap lowest = below == kNone ? Gap() : _gaps[below];
         if (ended.empty() && outgoing.empty())
-            return;
+            return true;
         Gap highest;
         if (ended.empty()) {
             highest = _Split(lowest, place);
@@ -183,6 +183,7 @@ public:
         }
         if (below != kNone)
             _gaps[below] = lowest;
+        return true;
     }
 
 private:

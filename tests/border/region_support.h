@@ -58,6 +58,51 @@ inline bool HasCrossing(const Rings& rings)
     return false;
 }
 
+/// Whether a ring runs through another one, or through itself, at a point of both.
+inline bool PassThroughAtPoints(const Rings& rings)
+{
+    using Norvek::Math::Core::Orientation;
+    using Corner = std::array<PlanePoint, 3>;
+    std::vector<Corner> corners;
+    for (Ring ring : rings) {
+        ring.erase(std::unique(ring.begin(), ring.end()), ring.end());
+        while (ring.size() > 1 && ring.front() == ring.back())
+            ring.pop_back();
+        for (std::size_t i = 0; ring.size() > 1 && i < ring.size(); ++i)
+            corners.push_back({ring[i], ring[(i + 1) % ring.size()], ring[(i + 2) % ring.size()]});
+    }
+    // Counter-clockwise from the edge towards `a`, before that towards `b`.
+    const auto isBetween = [](const PlanePoint& o, const PlanePoint& a, const PlanePoint& b,
+                              const PlanePoint& x) {
+        const bool isLeftOfA = Orientation(o, a, x) > 0;
+        const bool isRightOfB = Orientation(o, b, x) < 0;
+        return Orientation(o, a, b) > 0 ? isLeftOfA && isRightOfB : isLeftOfA || isRightOfB;
+    };
+    const auto isOff = [](const PlanePoint& o, const PlanePoint& a, const PlanePoint& x) {
+        return Orientation(o, a, x) != 0 || (a - o).Dot(x - o) < 0.0;
+    };
+    for (const auto& [a, o, b] : corners) {
+        for (const auto& [c, at, d] : corners) {
+            if (at == o && isOff(o, a, b) && isOff(o, c, d) && isOff(o, a, c) && isOff(o, a, d) &&
+                isOff(o, b, c) && isOff(o, b, d) && isBetween(o, a, b, c) != isBetween(o, a, b, d))
+                return true;
+        }
+    }
+    return false;
+}
+
+/// The rings of a border's contours.
+inline Rings RingsOf(const RegionBorder& border)
+{
+    Rings rings;
+    for (const auto& contour : border.Contours()) {
+        rings.emplace_back();
+        for (const auto& point : contour)
+            rings.back().emplace_back(point.x, point.y);
+    }
+    return rings;
+}
+
 using Triangle = std::array<PlanePoint, 3>;
 
 /// The even-odd area, slab by slab between neighbouring abscissae; no edges cross.

@@ -4,6 +4,7 @@
 #include "border/region_support.h"
 
 #include <cmath>
+#include <cstdio>
 #include <cstdlib>
 
 namespace
@@ -16,10 +17,12 @@ using norvek_test::Triangle;
 
 constexpr std::size_t kMostPoints = 60;
 
-void Require(bool isTrue)
+void Require(bool isTrue, const char* promise)
 {
-    if (!isTrue)
-        std::abort();
+    if (isTrue)
+        return;
+    std::fprintf(stderr, "broken: %s\n", promise);
+    std::abort();
 }
 
 // The first byte sets how fine the offsets are that take points off the grid. Then a byte is a
@@ -51,7 +54,8 @@ double AreaOf(const std::vector<void*>& corners, std::vector<Triangle>& triangle
         Triangle triangle;
         for (std::size_t k = 0; k < 3; ++k)
             triangle[k] = *static_cast<PlanePoint*>(corners[i + k]);
-        Require(Norvek::Math::Core::Orientation(triangle[0], triangle[1], triangle[2]) > 0);
+        Require(Norvek::Math::Core::Orientation(triangle[0], triangle[1], triangle[2]) > 0,
+                "triangles turn counter-clockwise");
         triangles.push_back(triangle);
         const PlanePoint u = triangle[1] - triangle[0];
         const PlanePoint v = triangle[2] - triangle[0];
@@ -72,12 +76,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::vector<void*> corners;
     std::vector<Triangle> triangles;
     const bool isExact = border.FillWithTriangles(count, corners);
-    Require(corners.size() == 3 * static_cast<std::size_t>(count));
+    Require(corners.size() == 3 * static_cast<std::size_t>(count), "three payloads a triangle");
     const double area = AreaOf(corners, triangles);
-    Require(isExact || hasCrossing);
+    Require(isExact || hasCrossing, "what does not cross is filled exactly");
     if (!hasCrossing) {
-        Require(std::abs(area - norvek_test::SlabArea(rings)) < 1e-9);
-        Require(norvek_test::DoFitTogether(triangles));
+        Require(std::abs(area - norvek_test::SlabArea(rings)) < 1e-9, "triangles cover the region");
+        Require(norvek_test::DoFitTogether(triangles), "triangles fit together");
     }
 
     std::vector<std::vector<MIntersectionValue>> values;
@@ -85,22 +89,27 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     std::size_t numMeetings = 0;
     for (const auto& list : values)
         numMeetings += list.size();
-    Require(values.size() == rings.size() && numMeetings % 2 == 0);
-    Require(!hasCrossing || numMeetings > 0);
+    Require(values.size() == rings.size() && numMeetings % 2 == 0, "both sides list a meeting");
+    Require(!hasCrossing || numMeetings > 0, "crossings are listed");
 
     border.DetermineOuterContours();
     for (const auto& contour : border.Contours())
-        Require(contour.GetOrder() < rings.size());
+        Require(contour.GetOrder() < rings.size(), "orders count other rings");
     border.AdjustTurningSenseToOuterContourParameter();
     const double signedArea = border.SurfaceAreaWithSignXY();
     border.MergeToOnlyOuterContours();
-    Require(std::abs(border.SurfaceAreaWithSignXY() - signedArea) < 1e-9);
+    Require(std::abs(border.SurfaceAreaWithSignXY() - signedArea) < 1e-9, "merging keeps the area");
     for (const auto& contour : border.Contours())
-        Require(contour.GetIsOuterContour());
+        Require(contour.GetIsOuterContour(), "outer contours are left");
+    const Rings merged = norvek_test::RingsOf(border);
+    Require(hasCrossing || !norvek_test::HasCrossing(merged), "bridges cross nothing");
+    Require(norvek_test::PassThroughAtPoints(rings) || hasCrossing ||
+                !norvek_test::PassThroughAtPoints(merged),
+            "outlines keep to their side");
     triangles.clear();
     const bool isMergedExact = border.FillWithTriangles(count, corners);
     const double mergedArea = AreaOf(corners, triangles);
     if (!hasCrossing)
-        Require(isMergedExact && std::abs(mergedArea - area) < 1e-9);
+        Require(isMergedExact && std::abs(mergedArea - area) < 1e-9, "merging keeps the region");
     return 0;
 }

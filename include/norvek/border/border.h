@@ -109,12 +109,12 @@ public:
     /// another one when the region within it does (even-odd, as for positions); contours that
     /// merely touch, at points or along edges, do not lie in each other. Of two contours around the
     /// same region the later lies in the earlier. Contours whose edges cross do not lie in each
-    /// other; where contours pass through each other at vertices only it is open whether they do.
+    /// other, nor do those that overlap in part, passing through each other at vertices.
     /// From 254 on only even (254) and odd (255) are told apart. Contours with coordinates that are
     /// not finite lie in nothing.
     ///
-    /// O(n log n) in the points; where contours cross, proportional to the pairs of contours whose
-    /// boxes hold each other and to their points.
+    /// O(n log n) in the points; where contours cross or overlap in part, up to the pairs of
+    /// contours whose boxes meet times their points.
     void CalculateOrderOfContours();
 
     /// Calculates the orders and makes outer contours of those whose order is even. Turning senses
@@ -124,8 +124,12 @@ public:
     /// Joins every hole to the outer contour around it by a bridge that is walked there and back,
     /// between vertices whose connection meets nothing else, so that only outer contours are left.
     /// The sum of the signed areas stays. Outer flags and orders are determined first; the outer
-    /// contours come in descending order of area. Where contours cross and no such vertices are
-    /// left, the bridge crosses edges.
+    /// contours come in descending order of area. Holes that turn against their outer contour leave
+    /// outlines that touch themselves but do not pass through themselves. Where contours cross and
+    /// no such vertices are left, the bridge crosses edges.
+    ///
+    /// O(n log n) in the points; where contours cross, overlap in part or have edges on top of each
+    /// other, up to the number of holes times the points.
     void MergeToOnlyOuterContours();
 
     /// The contours from the first to the last.
@@ -265,7 +269,10 @@ private:
     void _PutInOrder(const std::vector<std::size_t>& positions);
 
     // Makes every hole part of the outer contour that stands before it.
-    void _JoinHoles();
+    void _JoinHoles(bool isPlain);
+
+    // The same for the holes of one outer contour.
+    void _JoinOneByOne(Contour* outer, std::vector<Contour*> holes);
 
     Contour* _firstContour = nullptr;
     Contour* _lastContour = nullptr;
