@@ -330,7 +330,7 @@ void M3dBorder<Coord, Payload, Contour>::_PutInOrder(const std::vector<std::size
         AddContourAtEnd(contours[position].release());
 }
 
-// A sweep over an outer contour and its holes does not see what else may reach into its region.
+// The triangles between an outer contour and its holes do not know what else may reach in there.
 template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::_JoinHoles(bool isPlain)
 {
@@ -346,28 +346,18 @@ void M3dBorder<Coord, Payload, Contour>::_JoinHoles(bool isPlain)
             holes.push_back(hole);
         if (holes.empty())
             continue;
-        if (!JoinAlongSweep(*outer, holes, isFree)) {
-            _JoinOneByOne(outer, holes);
-            continue;
-        }
-        for (Contour* const hole : holes)
+        for (Contour* const hole : JoinAlongDiagonals(*outer, holes, isFree))
             RemoveContour(hole);
-    }
-}
-
-// From left to right: the left end of each hole then sees the outer contour, or a hole that is part
-// of it already.
-template <class Coord, class Payload, class Contour>
-void M3dBorder<Coord, Payload, Contour>::_JoinOneByOne(Contour* outer, std::vector<Contour*> holes)
-{
-    using namespace Norvek::Math::Core;
-    std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
-        return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
-    });
-    for (Contour* const hole : holes) {
-        if (!_TryToConnectContours(outer, hole))
-            outer->ConnectWith(outer->GetFirstPoint(), hole);
-        RemoveContour(hole);
+        // From left to right: the left end of each hole that is left mostly sees the outer contour,
+        // or a hole that is part of it already.
+        std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
+            return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
+        });
+        for (Contour* const hole : holes) {
+            if (!_TryToConnectContours(outer, hole))
+                outer->ConnectWith(outer->GetFirstPoint(), hole);
+            RemoveContour(hole);
+        }
     }
 }
 

@@ -262,10 +262,11 @@ private:
     int _exponent;
 };
 
-/// Makes the holes part of the outer contour around them. False, with nothing changed, when they
-/// cross or when `isFree(p, q)` is false for one of the bridges.
+/// Makes holes part of the outer contour around them, takes them out of `holes` and returns them.
+/// None are when edges cross or when `isFree(p, q)` is false for one of the bridges.
 template <class Contour, class Predicate>
-bool JoinAlongSweep(Contour& outer, const std::vector<Contour*>& holes, const Predicate& isFree)
+std::vector<Contour*> JoinAlongDiagonals(Contour& outer, std::vector<Contour*>& holes,
+                                         const Predicate& isFree)
 {
     CollectedRings<typename Contour::PointType> collected;
     std::vector<typename Contour::PointType*> nodes;
@@ -279,18 +280,19 @@ bool JoinAlongSweep(Contour& outer, const std::vector<Contour*>& holes, const Pr
         add(*hole);
     collected.rings.BringIntoRange();
     const auto bridges = FindBridges(collected.rings);
-    if (!bridges.has_value())
-        return false;
     auto& points = collected.points;
-    for (const Bridge& bridge : *bridges) {
+    for (const Bridge& bridge : bridges) {
         if (!isFree(*points[bridge.from], *points[bridge.to]))
-            return false;
+            return {};
         points.push_back(points[bridge.from]);
         points.push_back(points[bridge.to]);
     }
     const auto& starts = collected.rings.starts;
-    for (const Bridge& bridge : *bridges) {
-        Contour& hole = *holes[bridge.ring - 1];
+    std::vector<Contour*> joined;
+    joined.reserve(bridges.size());
+    for (const Bridge& bridge : bridges) {
+        joined.push_back(std::exchange(holes[bridge.ring - 1], nullptr));
+        Contour& hole = *joined.back();
         auto* const end = nodes[bridge.to];
         hole.SetFirstPointAt(nodes[bridge.from]);
         outer.ConnectWith(end, &hole);
@@ -305,7 +307,8 @@ bool JoinAlongSweep(Contour& outer, const std::vector<Contour*>& holes, const Pr
         nodes.push_back(copy);
         nodes.push_back(copy->next);
     }
-    return true;
+    std::erase(holes, nullptr);
+    return joined;
 }
 
 /// Triangulates by cutting corners off each contour in turn.

@@ -1,7 +1,11 @@
 #include "border/hole_bridges.h"
 
-#include "border/plane_sweep.h"
+#include "border/triangulation.h"
 
+#include <algorithm>
+#include <numeric>
+#include <optional>
+#include <tuple>
 #include <utility>
 
 namespace Norvek::Math::Core
@@ -12,58 +16,106 @@ namespace
 
 constexpr std::uint32_t kNone = PlaneGraph::kNone;
 
-// Finds for every place the one before it in the gap in which it lies.
-class PartnerJob
+// Sets of rings that are joined with each other (B. A. Galler, M. J. Fisher, An improved
+// equivalence algorithm, Communications of the ACM 7, 1964).
+class RingSets
 {
 public:
-    explicit PartnerJob(const PlaneGraph& graph)
-        : _graph(graph),
-          _newest(graph.edges.size() + 1, kNone),
-          _partners(graph.places.size(), kNone)
-    {}
-
-    bool Pass(std::uint32_t place, std::uint32_t below, const std::vector<std::uint32_t>& ended,
-              const std::vector<std::uint32_t>& outgoing)
+    explicit RingSets(std::size_t numRings) : _parents(numRings)
     {
-        _partners[place] = _Partner(below, ended, outgoing);
-        _NewestAbove(below) = place;
-        for (const std::uint32_t edge : outgoing)
-            _NewestAbove(edge) = place;
-        return true;
+        std::iota(_parents.begin(), _parents.end(), 0U);
     }
 
-    [[nodiscard]] const std::vector<std::uint32_t>& Partners() const
+    [[nodiscard]] std::uint32_t SetOf(std::uint32_t ring)
     {
-        return _partners;
+        while (_parents[ring] != ring)
+            ring = _parents[ring] = _parents[_parents[ring]];
+        return ring;
+    }
+
+    // False when both are in one set already.
+    bool Unite(std::uint32_t a, std::uint32_t b)
+    {
+        a = SetOf(a);
+        b = SetOf(b);
+        _parents[std::max(a, b)] = std::min(a, b);
+        return a != b;
     }
 
 private:
-    // The newest place of the gap above the edge; below all edges for none.
-    std::uint32_t& _NewestAbove(std::uint32_t edge)
+    std::vector<std::uint32_t> _parents;
+};
+
+// An edge of a triangle between rings that share no place.
+struct Diagonal
+{
+    std::uint32_t low;
+    std::uint32_t high;
+    double squaredLength;
+    // It has a triangle on one side only: it is part of an edge.
+    bool isOnRim;
+};
+
+// Those diagonals that join all sets of rings: shortest ones first (J. B. Kruskal, On the shortest
+// spanning subtree of a graph, Proceedings of the American Mathematical Society 7, 1956).
+class DiagonalTree
+{
+public:
+    DiagonalTree(const RingPoints& rings, const PlaneGraph& graph,
+                 const std::vector<IndexTriangle>& triangles)
+        : _graph(graph),
+          _sets(rings.NumRings()),
+          _ringAt(graph.places.size(), kNone)
     {
-        return _newest[edge == kNone ? _graph.edges.size() : edge];
+        for (std::uint32_t ring = 0; ring < rings.NumRings(); ++ring) {
+            for (std::uint32_t i = rings.starts[ring]; i < rings.starts[ring + 1]; ++i) {
+                std::uint32_t& ringAt = _ringAt[graph.placeOf[i]];
+                if (ringAt == kNone)
+                    ringAt = ring;
+                _sets.Unite(ring, ringAt);
+            }
+        }
+        _Collect(triangles);
+        std::sort(_diagonals.begin(), _diagonals.end(), [](const Diagonal& a, const Diagonal& b) {
+            return std::tie(a.isOnRim, a.squaredLength, a.low, a.high) <
+                   std::tie(b.isOnRim, b.squaredLength, b.low, b.high);
+        });
+        std::erase_if(_diagonals, [&](const Diagonal& diagonal) {
+            return !_sets.Unite(_ringAt[diagonal.low], _ringAt[diagonal.high]);
+        });
     }
 
-    // Of use for left ends of rings: edges that end there, all on one line, run through the place
-    // and part two gaps.
-    std::uint32_t _Partner(std::uint32_t below, const std::vector<std::uint32_t>& ended,
-                           const std::vector<std::uint32_t>& outgoing)
+    [[nodiscard]] const std::vector<Diagonal>& Diagonals() const
     {
-        const std::uint32_t lower = _NewestAbove(below);
-        if (ended.empty())
-            return lower;
-        const std::uint32_t upper = _NewestAbove(ended.back());
-        for (const std::uint32_t edge : outgoing) {
-            const int side = _graph.SideOf(_graph.edges[ended.front()], _graph.edges[edge].right);
-            if (side != 0)
-                return side < 0 ? lower : upper;
+        return _diagonals;
+    }
+
+private:
+    void _Collect(const std::vector<IndexTriangle>& triangles)
+    {
+        std::vector<std::pair<std::uint32_t, std::uint32_t>> sides;
+        for (const IndexTriangle& triangle : triangles) {
+            for (std::size_t i = 0; i < 3; ++i) {
+                const std::uint32_t a = _graph.placeOf[triangle[i]];
+                const std::uint32_t b = _graph.placeOf[triangle[(i + 1) % 3]];
+                if (_sets.SetOf(_ringAt[a]) != _sets.SetOf(_ringAt[b]))
+                    sides.emplace_back(std::min(a, b), std::max(a, b));
+            }
         }
-        return upper;
+        std::sort(sides.begin(), sides.end());
+        for (auto side = sides.begin(); side != sides.end(); ++side) {
+            const bool isTwofold = side + 1 != sides.end() && side[1] == *side;
+            const PlanePoint offset = _graph.places[side->second] - _graph.places[side->first];
+            _diagonals.push_back({side->first, side->second, offset.LengthSquared(), !isTwofold});
+            side += isTwofold ? 1 : 0;
+        }
     }
 
     const PlaneGraph& _graph;
-    std::vector<std::uint32_t> _newest;
-    std::vector<std::uint32_t> _partners;
+    RingSets _sets;
+    // One of the rings at each place.
+    std::vector<std::uint32_t> _ringAt;
+    std::vector<Diagonal> _diagonals;
 };
 
 // Directions from a place, counter-clockwise from a given one.
@@ -121,7 +173,7 @@ public:
         : _rings(rings),
           _graph(graph),
           _firstAt(graph.places.size(), kNone),
-          _isSpread(graph.places.size(), false),
+          _isDone(graph.places.size(), false),
           _isJoined(rings.NumRings(), false)
     {
         _nodes.reserve(rings.points.size() + 2 * rings.NumRings());
@@ -132,31 +184,24 @@ public:
                 _AddNode({i == begin ? end - 1 : i - 1, i + 1 == end ? begin : i + 1, kNone, ring,
                           graph.placeOf[i]});
         }
+    }
+
+    // Joins what can be reached from ring 0 over shared places and the diagonals.
+    [[nodiscard]] std::vector<Bridge> Join(const std::vector<Diagonal>& diagonals)
+    {
+        for (const Diagonal& diagonal : diagonals) {
+            _partners.emplace_back(diagonal.low, diagonal.high);
+            _partners.emplace_back(diagonal.high, diagonal.low);
+        }
+        std::sort(_partners.begin(), _partners.end());
         _isJoined[0] = true;
-        _Spread(0);
-    }
-
-    [[nodiscard]] std::uint32_t FirstRingAt(std::uint32_t place) const
-    {
-        return _nodes[_firstAt[place]].ring;
-    }
-
-    [[nodiscard]] bool IsJoined(std::uint32_t ring) const
-    {
-        return _isJoined[ring];
-    }
-
-    // Joins the ring between two different places, and then all rings that share places with it.
-    void JoinAcross(std::uint32_t ring, std::uint32_t place, std::uint32_t partner)
-    {
-        const std::uint32_t from = *_FindCorner(_CornersAt(place, ring), place, partner, true);
-        const std::uint32_t to = *_FindCorner(_CornersAt(partner, kNone), partner, place, true);
-        _Join({ring, from, to});
-        _Spread(ring);
-    }
-
-    [[nodiscard]] std::vector<Bridge> TakeBridges()
-    {
+        _waiting.push_back(0);
+        while (!_waiting.empty()) {
+            const std::uint32_t ring = _waiting.back();
+            _waiting.pop_back();
+            for (std::uint32_t i = _rings.starts[ring]; i < _rings.starts[ring + 1]; ++i)
+                _JoinOthers(_graph.placeOf[i]);
+        }
         return std::move(_bridges);
     }
 
@@ -258,6 +303,7 @@ private:
         _nodes[bridge.to].next = bridge.from;
         _isJoined[bridge.ring] = true;
         _bridges.push_back(bridge);
+        _waiting.push_back(bridge.ring);
     }
 
     void _JoinAt(std::uint32_t ring, std::uint32_t place)
@@ -277,28 +323,30 @@ private:
         _Join({ring, from, *to});
     }
 
-    // Joins what shares places with a joined ring, and so on.
-    void _Spread(std::uint32_t ring)
+    // Across a diagonal from a place of the outline.
+    void _JoinAcross(std::uint32_t place, std::uint32_t partner)
     {
-        std::vector<std::uint32_t> waiting{ring};
-        while (!waiting.empty()) {
-            ring = waiting.back();
-            waiting.pop_back();
-            for (std::uint32_t i = _rings.starts[ring]; i < _rings.starts[ring + 1]; ++i) {
-                const std::uint32_t place = _graph.placeOf[i];
-                if (_isSpread[place])
-                    continue;
-                _isSpread[place] = true;
-                for (std::uint32_t node = _firstAt[place]; node != kNone;
-                     node = _nodes[node].nextAtPlace) {
-                    const std::uint32_t other = _nodes[node].ring;
-                    if (_isJoined[other])
-                        continue;
-                    _JoinAt(other, place);
-                    waiting.push_back(other);
-                }
-            }
+        const std::uint32_t ring = _nodes[_firstAt[partner]].ring;
+        if (_isJoined[ring])
+            return;
+        const std::uint32_t from = *_FindCorner(_CornersAt(partner, ring), partner, place, true);
+        const std::uint32_t to = *_FindCorner(_CornersAt(place, kNone), place, partner, true);
+        _Join({ring, from, to});
+    }
+
+    // Joins the rings at a place of the outline, and those at the other ends of its diagonals.
+    void _JoinOthers(std::uint32_t place)
+    {
+        if (_isDone[place])
+            return;
+        _isDone[place] = true;
+        for (std::uint32_t node = _firstAt[place]; node != kNone; node = _nodes[node].nextAtPlace) {
+            if (!_isJoined[_nodes[node].ring])
+                _JoinAt(_nodes[node].ring, place);
         }
+        auto partner = std::lower_bound(_partners.begin(), _partners.end(), std::pair(place, 0U));
+        for (; partner != _partners.end() && partner->first == place; ++partner)
+            _JoinAcross(place, partner->second);
     }
 
     const RingPoints& _rings;
@@ -306,31 +354,26 @@ private:
     std::vector<Node> _nodes;
     // Heads of the lists of nodes at each place.
     std::vector<std::uint32_t> _firstAt;
-    // Whether all rings at the place are joined.
-    std::vector<bool> _isSpread;
+    // Whether all that a place leads to is joined.
+    std::vector<bool> _isDone;
     std::vector<bool> _isJoined;
+    // Pairs of places, both ways, in ascending order.
+    std::vector<std::pair<std::uint32_t, std::uint32_t>> _partners;
+    // Joined rings whose places are to be gone through.
+    std::vector<std::uint32_t> _waiting;
     std::vector<Bridge> _bridges;
 };
 
 } // namespace
 
-std::optional<std::vector<Bridge>> FindBridges(const RingPoints& rings)
+std::vector<Bridge> FindBridges(const RingPoints& rings)
 {
     PlaneGraph graph(rings);
-    PartnerJob job(graph);
-    if (!PlaneSweep(graph, job).Run())
-        return std::nullopt;
-    Outline outline(rings, graph);
-    // From left to right: what a left end is joined to has been joined before.
-    for (std::uint32_t place = 0; place < graph.places.size(); ++place) {
-        const std::uint32_t ring = outline.FirstRingAt(place);
-        if (outline.IsJoined(ring))
-            continue;
-        // Nothing lies before the first place of all.
-        const std::uint32_t partner = job.Partners()[place];
-        outline.JoinAcross(ring, place, partner == kNone ? graph.placeOf[0] : partner);
-    }
-    return outline.TakeBridges();
+    std::vector<IndexTriangle> triangles;
+    if (!Triangulate(graph, triangles))
+        return {};
+    const DiagonalTree tree(rings, graph, triangles);
+    return Outline(rings, graph).Join(tree.Diagonals());
 }
 
 } // namespace Norvek::Math::Core

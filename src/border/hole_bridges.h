@@ -3,7 +3,6 @@
 #include "border/plane_graph.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace Norvek::Math::Core
@@ -22,14 +21,16 @@ struct Bridge
 };
 
 /// The steps that make one outline of all rings, ring 0 to begin with. Rings that share a place are
-/// joined there; otherwise the left end of a ring is joined to the last place before it in the same
-/// gap of a sweep, which nothing hides from it (see `Triangulate`). No bridge meets an edge or
-/// another bridge but at places, or along the edge on which a left end lies when that sees no other
-/// place. Of several corners of the outline at a place the one that faces the ring is taken:
-/// when the other rings turn against ring 0, the outline passes through itself only where rings do.
+/// joined there, others along the shortest tree of diagonals of a triangulation of what lies
+/// between them: bridges meet edges and each other at places only. An edge on which a place of
+/// another ring lies is used in part when no diagonal leads there. Of several corners of the
+/// outline at a place the one that faces the ring is taken: when the other rings turn against ring
+/// 0, the outline passes through itself only where rings do.
 ///
-/// Nothing when edges cross. O(n log n), n being the number of points, as long as few nodes share a
-/// place. `rings` is finite and in range, and no ring is empty.
-std::optional<std::vector<Bridge>> FindBridges(const RingPoints& rings);
+/// Rings that the triangulation does not reach, since they have no area or no rim of their own, are
+/// left out, all of them when edges cross. Edges of a ring on top of each other and rings without
+/// area are not seen. O(n log n), n being the number of points, as long as few nodes share a place.
+/// `rings` is finite and in range.
+std::vector<Bridge> FindBridges(const RingPoints& rings);
 
 } // namespace Norvek::Math::Core

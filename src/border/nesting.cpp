@@ -70,6 +70,16 @@ public:
         return true;
     }
 
+    // Whether all rings have area, empty ones aside.
+    [[nodiscard]] bool HaveAllBegun(const RingPoints& rings) const
+    {
+        for (std::size_t ring = 0; ring < rings.NumRings(); ++ring) {
+            if (!rings.Ring(ring).empty() && !_rings[ring].hasBegun)
+                return false;
+        }
+        return true;
+    }
+
 private:
     struct State
     {
@@ -207,6 +217,7 @@ std::optional<Nesting> SweepNesting(const RingPoints& rings)
     NestingJob job(graph, rings, nesting);
     if (!PlaneSweep(graph, job).Run())
         return std::nullopt;
+    nesting.isPlain = nesting.isPlain && job.HaveAllBegun(rings);
     return nesting;
 }
 

@@ -16,8 +16,9 @@ struct Nesting
     std::vector<std::uint32_t> parents;
     /// The number of rings around each ring.
     std::vector<std::uint32_t> orders;
-    /// Whether every two rings lie in each other or apart, no edges cross, and no ring has edges on
-    /// top of each other, which may reach into regions that are not around it.
+    /// Whether every two rings lie in each other or apart, no edges cross, no ring has edges on top
+    /// of each other, which may reach into regions that are not around it, and none is a single
+    /// place.
     bool isPlain = true;
 };
 

@@ -267,8 +267,13 @@ private:
 bool Triangulate(const RingPoints& rings, std::vector<IndexTriangle>& triangles)
 {
     PlaneGraph graph(rings);
+    return Triangulate(graph, triangles);
+}
+
+bool Triangulate(PlaneGraph& graph, std::vector<IndexTriangle>& triangles)
+{
     triangles.clear();
-    triangles.reserve(graph.places.size() + 2 * rings.NumRings());
+    triangles.reserve(graph.places.size());
     TriangulationJob job(graph, triangles);
     return PlaneSweep(graph, job).Run();
 }

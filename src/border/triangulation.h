@@ -21,4 +21,7 @@ using IndexTriangle = std::array<std::uint32_t, 3>;
 /// points. `rings` is finite and in range.
 bool Triangulate(const RingPoints& rings, std::vector<IndexTriangle>& triangles);
 
+/// The same for rings that are a graph already, which loses edges to it.
+bool Triangulate(PlaneGraph& graph, std::vector<IndexTriangle>& triangles);
+
 } // namespace Norvek::Math::Core

@@ -123,13 +123,17 @@ public:
 
     /// Joins every hole to the outer contour around it by a bridge that is walked there and back,
     /// between vertices whose connection meets nothing else, so that only outer contours are left.
+    /// The bridges are short: of the diagonals of a triangulation those that make the shortest tree.
     /// The sum of the signed areas stays. Outer flags and orders are determined first; the outer
-    /// contours come in descending order of area. Holes that turn against their outer contour leave
-    /// outlines that touch themselves but do not pass through themselves. Where contours cross and
-    /// no such vertices are left, the bridge crosses edges.
+    /// contours come in descending order of area. Where contours cross and no such vertices are
+    /// left, the bridge crosses edges.
     ///
-    /// O(n log n) in the points; where contours cross, overlap in part or have edges on top of each
-    /// other, up to the number of holes times the points.
+    /// Holes that turn against their outer contour, see `AdjustTurningSenseToOuterContourParameter`,
+    /// leave outlines that touch themselves but do not pass through themselves, as long as no
+    /// contour does.
+    ///
+    /// O(n log n) in the points; where contours cross, overlap in part, have edges on top of each
+    /// other or no area, up to the number of holes times the points.
     void MergeToOnlyOuterContours();
 
     /// The contours from the first to the last.
@@ -270,9 +274,6 @@ private:
 
     // Makes every hole part of the outer contour that stands before it.
     void _JoinHoles(bool isPlain);
-
-    // The same for the holes of one outer contour.
-    void _JoinOneByOne(Contour* outer, std::vector<Contour*> holes);
 
     Contour* _firstContour = nullptr;
     Contour* _lastContour = nullptr;
