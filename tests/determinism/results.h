@@ -1,12 +1,13 @@
 #pragma once
 
-#include <norvek/foundation/point2d.h>
 #include <norvek/foundation/point3d.h>
 
 #include <array>
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <ranges>
+#include <type_traits>
 
 namespace norvek_test
 {
@@ -16,40 +17,32 @@ namespace norvek_test
 class Hash
 {
 public:
-    void Add(std::uint64_t bits)
+    /// Takes in a number, an enumerator, a point, a matrix of a transform, or a range of these.
+    /// An operator, because a chain of shifts is evaluated from the left, while the arguments of a
+    /// call may be evaluated in any order.
+    template <class Value>
+    Hash& operator<<(const Value& value)
     {
-        for (int byte = 0; byte < 8; ++byte) {
-            _value = (_value ^ (bits & 255)) * 1099511628211U;
-            bits >>= 8;
-        }
-    }
-
-    void Add(bool value)
-    {
-        Add(std::uint64_t{value});
-    }
-
-    void Add(int value)
-    {
-        Add(static_cast<std::uint64_t>(value));
-    }
-
-    void Add(double value)
-    {
-        Add(std::isnan(value) ? ~std::uint64_t{0} : std::bit_cast<std::uint64_t>(value));
-    }
-
-    void Add(const MMPoint3d<double>& point)
-    {
-        Add(point.x);
-        Add(point.y);
-        Add(point.z);
-    }
-
-    void Add(const MMPoint2d<double>& point)
-    {
-        Add(point.x);
-        Add(point.y);
+        if constexpr (std::is_floating_point_v<Value>)
+            _Add(std::isnan(value) ? ~std::uint64_t{0}
+                                   : std::bit_cast<std::uint64_t>(double{value}));
+        else if constexpr (std::is_integral_v<Value> || std::is_enum_v<Value>)
+            _Add(static_cast<std::uint64_t>(value));
+        else if constexpr (std::ranges::range<Value>)
+            for (const auto& element : value)
+                *this << element;
+        else if constexpr (requires { value.GetElement(0, 0, true); })
+            for (unsigned short i = 0; i < 16; ++i)
+                *this << value.GetElement(i / 4, i % 4, false)
+                      << value.GetElement(i / 4, i % 4, true);
+        else if constexpr (requires { value.GetElement(0, 0); })
+            for (unsigned short i = 0; i < 12; ++i)
+                *this << value.GetElement(i / 4, i % 4);
+        else if constexpr (requires { value.z; })
+            *this << value.x << value.y << value.z;
+        else
+            *this << value.x << value.y;
+        return *this;
     }
 
     [[nodiscard]] std::uint64_t Value() const
@@ -58,11 +51,20 @@ public:
     }
 
 private:
+    void _Add(std::uint64_t bits)
+    {
+        for (int byte = 0; byte < 8; ++byte) {
+            _value = (_value ^ (bits & 255)) * 1099511628211U;
+            bits >>= 8;
+        }
+    }
+
     std::uint64_t _value = 14695981039346656037U;
 };
 
 /// Numbers from a linear congruence (Knuth's MMIX constants), exact on every machine, that the
-/// optimiser cannot compute ahead.
+/// optimiser cannot compute ahead. No two draws within the arguments of one call: their order would
+/// differ between compilers.
 class Numbers
 {
 public:
@@ -76,48 +78,40 @@ public:
         return (static_cast<double>(_state >> 11) * 0x1p-52 - 1.0) * size;
     }
 
-    MMPoint3d<double> Point(double size)
+    /// Fills numbers or points, one after the other, and returns them.
+    template <class Range>
+    Range Fill(Range values, double size)
     {
-        // Braces, which are evaluated from the left; the arguments of a call are not.
-        return {Next(size), Next(size), Next(size)};
+        for (auto& value : values) {
+            if constexpr (std::is_same_v<decltype(value), double&>)
+                value = Next(size);
+            else
+                value = {Next(size), Next(size), Next(size)}; // braces go from the left
+        }
+        return values;
     }
 
-    /// So many points or numbers, one after the other: the arguments of a call may be evaluated in
-    /// any order, so that draws within one would differ between compilers.
     template <std::size_t N>
     std::array<MMPoint3d<double>, N> Points(double size)
     {
-        std::array<MMPoint3d<double>, N> points;
-        for (MMPoint3d<double>& point : points)
-            point = Point(size);
-        return points;
+        return Fill(std::array<MMPoint3d<double>, N>(), size);
+    }
+
+    MMPoint3d<double> Point(double size)
+    {
+        return Points<1>(size)[0];
     }
 
 private:
     std::uint64_t _state;
 };
 
-/// @name The results of a few thousand operations of each family
-/// @{
-std::uint64_t HashPoints(Numbers numbers);
-std::uint64_t HashNumbersAlongALine(Numbers numbers);
-std::uint64_t HashTransforms(Numbers numbers);
-std::uint64_t HashMotionsAndFrames(Numbers numbers);
-std::uint64_t HashOlderRotations(Numbers numbers);
-std::uint64_t HashStacks(Numbers numbers);
-std::uint64_t HashPlanesAndLines(Numbers numbers);
-std::uint64_t HashBoxes(Numbers numbers);
-std::uint64_t HashLocators(Numbers numbers);
-std::uint64_t HashRegistrations(Numbers numbers);
-std::uint64_t HashBorders(Numbers numbers);
-std::uint64_t HashPolyPlanes(Numbers numbers);
-std::uint64_t HashGeneralMatrices(Numbers numbers);
-std::uint64_t HashSymmetricMatrices(Numbers numbers);
-std::uint64_t HashFixedMatrices(Numbers numbers);
-std::uint64_t HashLeastSquares(Numbers numbers);
-std::uint64_t HashFits(Numbers numbers);
-std::uint64_t HashNurbs(Numbers numbers);
-std::uint64_t HashCurveObjects(Numbers numbers);
-/// @}
+/// Takes in the results of one round of operations of a family.
+using Family = void(Hash& hash, Numbers& numbers, int round);
+
+Family HashPoints, HashNumbersAlongALine, HashTransforms, HashMotionsAndFrames, HashOlderRotations,
+    HashStacks, HashPlanesAndLines, HashBoxes, HashLocators, HashRegistrations, HashBorders,
+    HashPolyPlanes, HashGeneralMatrices, HashSymmetricMatrices, HashFixedMatrices, HashLeastSquares,
+    HashFits, HashNurbs, HashCurveObjects;
 
 } // namespace norvek_test

@@ -8,56 +8,43 @@
 namespace norvek_test
 {
 
-std::uint64_t HashLocators(Numbers numbers)
+void HashLocators(Hash& hash, Numbers& numbers, int round)
 {
-    Hash hash;
-    for (int cloud = 0; cloud < 20; ++cloud) {
-        std::vector<MMPoint3d<double>> points(200);
-        for (MMPoint3d<double>& point : points)
-            point = numbers.Point(cloud % 2 == 0 ? 5.0 : 1e6);
-        MKDTreePointLocator locator;
-        locator.BuildLocator(points);
-        std::vector<MFoundPoint> found;
-        for (int i = 0; i < 50; ++i) {
-            MClosestPointInfo info;
-            info.SetQueryPoint(numbers.Point(8.0));
-            hash.Add(locator.FindClosestPoint(info));
-            hash.Add(info.GetFoundIndex());
-            hash.Add(info.GetDistance());
-            hash.Add(locator.FindClosestPoints(info.GetQueryPoint(), 5, found));
-            hash.Add(locator.FindPointsWithinRadius(info.GetQueryPoint(), 4.0, found));
-            for (const MFoundPoint& point : found)
-                hash.Add(point.distance);
-        }
+    MKDTreePointLocator locator;
+    locator.BuildLocator(
+        numbers.Fill(std::vector<MMPoint3d<double>>(200), round % 2 == 0 ? 5.0 : 1e6));
+    std::vector<MFoundPoint> found;
+    for (int i = 0; i < 50; ++i) {
+        MClosestPointInfo info;
+        info.SetQueryPoint(numbers.Point(8.0));
+        hash << locator.FindClosestPoint(info) << info.GetFoundIndex() << info.GetDistance();
+        hash << locator.FindClosestPoints(info.GetQueryPoint(), 5, found);
+        for (const MFoundPoint& point : found)
+            hash << point.distance;
+        hash << locator.FindPointsWithinRadius(info.GetQueryPoint(), 4.0, found);
+        for (const MFoundPoint& point : found)
+            hash << point.distance;
     }
-    return hash.Value();
 }
 
 // Sets round and thin, few points and many, and segments.
-std::uint64_t HashRegistrations(Numbers numbers)
+void HashRegistrations(Hash& hash, Numbers& numbers, int round)
 {
-    Hash hash;
-    for (std::size_t k = 0; k < 3600; ++k) {
-        std::vector<MMPoint3d<double>> points(k == 0 ? 20000 : 6 + k % 9);
-        MBasePointMapper::PairList pairs;
-        for (std::size_t i = 0; i + 1 < points.size(); i += 2) {
-            points[i] = numbers.Point(5.0);
-            points[i].x *= k % 2 == 0 ? 1.0 : 200.0;
-            points[i + 1] = points[i] + numbers.Point(k % 3 == 0 ? 1.0 : 0.1);
-            pairs.emplace_back(&points[i], &points[i + 1]);
-        }
-        MMOrthoTransform motion;
-        hash.Add(MMapper3dSegments::MapSegments(
-            motion, {{{points[0], points[1]}, {points[2], points[3]}}}));
-        hash.Add(motion.GetElement(0, 1));
-        hash.Add(MMapper3DPoints::MapPoints(motion, pairs));
-        for (unsigned short i = 0; i < 12; ++i)
-            hash.Add(motion.GetElement(i / 4, i % 4));
-        double scale = 0.0;
-        MMapper3DPointsScale::MapPoints(scale, points[0], pairs);
-        hash.Add(scale);
+    std::vector<MMPoint3d<double>> points(round == 0 ? 20000
+                                                     : 6 + static_cast<std::size_t>(round) % 9);
+    MBasePointMapper::PairList pairs;
+    for (std::size_t i = 0; i + 1 < points.size(); i += 2) {
+        points[i] = numbers.Point(5.0);
+        points[i].x *= round % 2 == 0 ? 1.0 : 200.0;
+        points[i + 1] = points[i] + numbers.Point(round % 3 == 0 ? 1.0 : 0.1);
+        pairs.emplace_back(&points[i], &points[i + 1]);
     }
-    return hash.Value();
+    MMOrthoTransform motion;
+    hash << MMapper3dSegments::MapSegments(motion,
+                                           {{{points[0], points[1]}, {points[2], points[3]}}})
+         << motion.GetElement(0, 1) << MMapper3DPoints::MapPoints(motion, pairs) << motion;
+    double scale = 0.0;
+    hash << MMapper3DPointsScale::MapPoints(scale, points[0], pairs) << scale;
 }
 
 } // namespace norvek_test
