@@ -10,29 +10,23 @@
 namespace
 {
 
-using Norvek::Math::Core::GCD;
-using Norvek::Math::Core::GetFirstMultipleGreaterThan;
-using Norvek::Math::Core::GetFirstMultipleSmallerThan;
-
-constexpr std::int32_t kLowest = std::numeric_limits<std::int32_t>::lowest();
+using namespace Norvek::Math::Core;
 
 TEST(GreatestCommonDivisor, AgreesWithTheStandardAndWithTheZeroCases)
 {
-    EXPECT_EQ(GCD(0, 0), 0);
-    EXPECT_EQ(GCD(-7, 0), 7);
-    EXPECT_EQ(GCD(-12, 18), 6);
     constexpr long long lowest = std::numeric_limits<long long>::lowest();
-    EXPECT_EQ(GCD(lowest, 0), lowest);
+    EXPECT_TRUE(GCD(0, 0) == 0 && GCD(-7, 0) == 7 && GCD(lowest, 0) == lowest);
     EXPECT_EQ(GCD(lowest, 6), 2);
     norvek_test::Random random(101);
     for (int i = 0; i < 1000; ++i) {
-        const long long a = random.Integer(-100000, 100000);
-        const long long b = random.Integer(-100000, 100000);
-        EXPECT_EQ(GCD(a * 36, b * 36), std::gcd(a * 36, b * 36));
+        const long long a = 36LL * random.Integer(-100000, 100000);
+        const long long b = 36LL * random.Integer(-100000, 100000);
+        EXPECT_EQ(GCD(a, b), std::gcd(a, b));
     }
 }
 
-// Brute force over the grid, for phases strictly below the step.
+// Brute force over the grid, for phases strictly below the step. A value in [0, offset) answers
+// with the phase itself, which is the smallest member.
 TEST(IntegerGrid, GivesTheNeighbouringGridMembers)
 {
     norvek_test::Random random(102);
@@ -43,10 +37,7 @@ TEST(IntegerGrid, GivesTheNeighbouringGridMembers)
         std::int32_t above = value;
         while ((above - offset) % step != 0)
             ++above;
-        std::int32_t below = value;
-        while ((below - offset) % step != 0)
-            --below;
-        // A value in [0, offset) answers with the phase itself, which is the smallest member.
+        const std::int32_t below = above == value ? value : above - step;
         EXPECT_EQ(GetFirstMultipleGreaterThan(value, step, offset), above)
             << value << ' ' << step << ' ' << offset;
         EXPECT_EQ(GetFirstMultipleSmallerThan(value, step, offset), below)
@@ -56,14 +47,14 @@ TEST(IntegerGrid, GivesTheNeighbouringGridMembers)
 
 TEST(IntegerGrid, KeepsTheRulesAtTheEdges)
 {
+    constexpr std::int32_t lowest = std::numeric_limits<std::int32_t>::lowest();
     EXPECT_EQ(GetFirstMultipleGreaterThan(0, 5, 5), 5);
     EXPECT_EQ(GetFirstMultipleSmallerThan(0, 5, 5), 0);
-    EXPECT_EQ(GetFirstMultipleGreaterThan(kLowest, 5, 0), -2147483645);
-    EXPECT_EQ(GetFirstMultipleGreaterThan(kLowest, 5, 2), -2147483648);
-    EXPECT_EQ(GetFirstMultipleGreaterThan(kLowest, 1, 0), kLowest);
-    EXPECT_EQ(GetFirstMultipleSmallerThan(kLowest, 5, 2), kLowest);
-    // -2147483650 does not fit and wraps.
-    EXPECT_EQ(GetFirstMultipleSmallerThan(kLowest, 5, 0), 2147483646);
+    EXPECT_EQ(GetFirstMultipleGreaterThan(lowest, 5, 0), -2147483645);
+    EXPECT_EQ(GetFirstMultipleGreaterThan(lowest, 5, 2), lowest);
+    EXPECT_EQ(GetFirstMultipleSmallerThan(lowest, 5, 2), lowest);
+    // -2147483650 and 2147483650 do not fit and wrap.
+    EXPECT_EQ(GetFirstMultipleSmallerThan(lowest, 5, 0), 2147483646);
     EXPECT_EQ(GetFirstMultipleGreaterThan(2147483647, 5, 0), -2147483646);
 }
 

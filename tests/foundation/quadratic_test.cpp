@@ -12,69 +12,31 @@
 namespace
 {
 
-using norvek_test::Random;
-
 constexpr double kNan = std::numeric_limits<double>::quiet_NaN();
 
 TEST(QuadraticEquation, SolvesAndCountsByTheExactDiscriminant)
 {
-    Random random(611);
+    norvek_test::Random random(611);
+    MMQuadraticEquation equation(0.0, 0.0, 0.0);
     for (int i = 0; i < 1000; ++i) {
         const double a = random.Uniform(0.5, 2.0);
         const double low = random.Uniform(-3.0, 0.0);
         const double high = random.Uniform(0.1, 3.0);
-        MMQuadraticEquation equation(0.0, 0.0, 0.0);
         equation.Set(a, -a * (low + high), a * low * high);
         ASSERT_EQ(equation.GetNumRoots(), 2);
         EXPECT_NEAR(equation.GetRoot(0), low, 1e-13);
         EXPECT_NEAR(equation.GetRoot(1), high, 1e-13);
     }
-    MMQuadraticEquation equation(1.0, -6.0, 9.0);
-    EXPECT_EQ(equation.GetNumRoots(), 1);
-    EXPECT_EQ(equation.GetRoot(0), 3.0);
+    equation.Set(1.0, -6.0, 9.0);
+    EXPECT_TRUE(equation.GetNumRoots() == 1 && equation.GetRoot(0) == 3.0);
     equation.SetC(10.0);
-    EXPECT_FALSE(equation.Solve());
-    EXPECT_EQ(equation.GetNumRoots(), 0);
-    EXPECT_EQ(equation.GetRoot(1), 0.0);
+    EXPECT_TRUE(!equation.Solve() && equation.GetNumRoots() == 0 && equation.GetRoot(1) == 0.0);
     equation.SetB(kNan);
-    EXPECT_TRUE(equation.Solve());
-    EXPECT_EQ(equation.GetNumRoots(), 1);
+    EXPECT_TRUE(equation.Solve() && equation.GetNumRoots() == 1);
     // A linear equation is not recognised.
     equation.Set(0.0, 2.0, -4.0);
     EXPECT_EQ(equation.GetNumRoots(), 2);
     EXPECT_TRUE(std::isnan(equation.GetRoot(1)) && std::isinf(equation.GetRoot(0)));
-}
-
-TEST(Quadratic, FitMinimisesTheSquares)
-{
-    Random random(612);
-    std::map<double, double> points;
-    for (int i = 0; i < 50; ++i) {
-        const double x = random.Uniform(-2.0, 2.0);
-        points[x] = 1.5 * x * x - 0.5 * x + 3.0 + random.Uniform(-0.1, 0.1);
-    }
-    MM1dQuadratic fit;
-    ASSERT_TRUE(fit.FitThroughMap(points));
-    // The residuals are perpendicular to 1, x and x^2.
-    double products[3]{};
-    for (const auto& [x, y] : points) {
-        const double residual = y - fit(x);
-        products[0] += residual;
-        products[1] += residual * x;
-        products[2] += residual * x * x;
-    }
-    for (const double product : products)
-        EXPECT_NEAR(product, 0.0, 1e-12);
-    double x = 0.0;
-    double y = 0.0;
-    ASSERT_TRUE(fit.GetTopOfQuadratic(x, y));
-    EXPECT_NEAR(fit(x), y, 1e-14);
-    EXPECT_GT(fit(x + 1e-3), y);
-
-    const MM1dQuadratic before = fit;
-    EXPECT_FALSE(fit.FitThroughMap({{1.0, 2.0}, {3.0, 4.0}}));
-    EXPECT_FALSE(fit.FitThroughMap({{1e-99, 2.0}, {2e-99, 4.0}, {3e-99, 4.0}}));
-    EXPECT_EQ(fit, before);
 }
 
 // NIST StRD, Pontius: loads 150,000 apart, two deflections at each, here their sums in 1e-5. The
@@ -90,16 +52,19 @@ TEST(Quadratic, FitsACertifiedRegressionToNineDigits)
         points[load += 150000.0] = sum / 2e5;
     MM1dQuadratic fit;
     ASSERT_TRUE(fit.FitThroughMap(points));
-    double a = 0.0;
-    double b = 0.0;
-    double c = 0.0;
-    EXPECT_TRUE(fit.GetCoefficients(a, b, c));
-    EXPECT_NEAR(a / -0.316081871345029e-14, 1.0, 1e-9);
-    EXPECT_NEAR(b / 0.732059160401003e-06, 1.0, 1e-9);
-    EXPECT_NEAR(c / 0.673565789473684e-03, 1.0, 1e-9);
+    MMPoint3d<double> c;
+    EXPECT_TRUE(fit.GetCoefficients(c.x, c.y, c.z));
+    EXPECT_NEAR(c.x / -0.316081871345029e-14, 1.0, 1e-9);
+    EXPECT_NEAR(c.y / 0.732059160401003e-06, 1.0, 1e-9);
+    EXPECT_NEAR(c.z / 0.673565789473684e-03, 1.0, 1e-9);
+
+    const MM1dQuadratic before = fit;
+    EXPECT_FALSE(fit.FitThroughMap({{1.0, 2.0}, {3.0, 4.0}}));
+    EXPECT_FALSE(fit.FitThroughMap({{1e-99, 2.0}, {2e-99, 4.0}, {3e-99, 4.0}}));
+    EXPECT_EQ(fit, before);
 }
 
-TEST(Quadratic, RefusesAStraightLine)
+TEST(Quadratic, HasATopUnlessItIsALine)
 {
     double a = 7.0;
     double b = 7.0;
@@ -112,8 +77,8 @@ TEST(Quadratic, RefusesAStraightLine)
         EXPECT_FALSE(line.GetCoefficients(zero, b, c));
         EXPECT_EQ(zero + b + c, 0.0);
     }
-    EXPECT_TRUE(MM1dQuadratic(1.0, 2.0, 3.0).GetCoefficients(a, b, c));
-    EXPECT_EQ(a + 10.0 * b + 100.0 * c, 321.0);
+    const MM1dQuadratic parabola(1.0, 4.0, 9.0);
+    EXPECT_TRUE(parabola.GetTopOfQuadratic(a, b) && a == -2.0 && b == 5.0 && parabola(-1.0) == 6.0);
 }
 
 TEST(Diminishing, BlendsAndKeepsItsAbsoluteTest)
@@ -127,21 +92,23 @@ TEST(Diminishing, BlendsAndKeepsItsAbsoluteTest)
     const MMPoint3d<float> start(1.0F, 2.0F, 3.0F);
     const MMPoint3d<float> end(3.0F, 6.0F, 1.0F);
     EXPECT_EQ(DoDiminishing(3.0, 2.0, 4.0, start, end, Linear), MMPoint3d<float>(2.0F, 4.0F, 2.0F));
+    const struct
+    {
+        double x;
+        double start;
+        double result;
+    } edges[] = {{1e-8, 0.0, 2.0},  {10.0 - 1e-8, 0.0, 7.0}, {-1.0, -5.0, 7.0},
+                 {-6.0, -5.0, 2.0}, {1.0, 1.0, 2.0},         {10.0, 0.0, 7.0}};
     for (const auto type : {Linear, Cosine}) {
-        EXPECT_EQ(DoDiminishing(1e-8, 0.0, 10.0, 2.0, 7.0, type), 2.0);
-        EXPECT_EQ(DoDiminishing(10.0 - 1e-8, 0.0, 10.0, 2.0, 7.0, type), 7.0);
-        EXPECT_EQ(DoDiminishing(-1.0, -5.0, 10.0, 2.0, 7.0, type), 7.0);
-        EXPECT_EQ(DoDiminishing(-6.0, -5.0, 10.0, 2.0, 7.0, type), 2.0);
+        for (const auto& edge : edges)
+            EXPECT_EQ(DoDiminishing(edge.x, edge.start, 10.0, 2.0, 7.0, type), edge.result);
         EXPECT_TRUE(std::isnan(DoDiminishing(kNan, 0.0, 10.0, 2.0, 7.0, type)));
     }
     EXPECT_EQ(DoDiminishing(-6.0, -5.0, 10.0, 2.0, 7.0, AtEnd), 7.0);
     EXPECT_EQ(DoDiminishing(50.0, 0.0, 10.0, 2.0, 7.0, static_cast<DiminishingType>(3)), 2.0);
     // Each weight is rounded on its own: a third and two thirds of 1 do not make 1.
-    const float third = 1.0F / 3.0F;
-    const double sum = DoDiminishing(1.0, 0.0, 3.0, 1.0, 0.0, Linear) -
-                       static_cast<double>(static_cast<float>(2.0 / 3.0));
-    EXPECT_EQ(sum, 0.0);
-    EXPECT_EQ(DoDiminishing(1.0, 0.0, 3.0, 0.0, 1.0, Linear), static_cast<double>(third));
+    EXPECT_EQ(DoDiminishing(1.0, 0.0, 3.0, 1.0, 0.0, Linear), static_cast<double>(2.0F / 3.0F));
+    EXPECT_EQ(DoDiminishing(1.0, 0.0, 3.0, 0.0, 1.0, Linear), static_cast<double>(1.0F / 3.0F));
 }
 
 } // namespace
