@@ -6,7 +6,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <utility>
+#include <tuple>
 
 namespace
 {
@@ -31,29 +31,25 @@ TEST(Line, CommonPerpendicularIsPerpendicularAndOnBoth)
     }
 }
 
-TEST(Line, IntersectionHasATolerance)
+TEST(Line, TolerancesAndParallelsAreStrict)
 {
     const MMLine a({0, 0, 0}, {2, 0, 0});
     const MMLine b({1, -1, 1e-4}, {1, 1, 1e-4});
     Point out(9.0, 9.0, 9.0);
     EXPECT_FALSE(a.GetIntersectionPoint(b, out, 1e-5, false) || out.x != 9.0);
-    EXPECT_TRUE(a.GetIntersectionPoint(b, out, 1e-3, true) && out == Point(1.0, 0.0, 1e-4));
+    EXPECT_TRUE(a.GetIntersectionPoint(b, out, 1e-4, false) && out == Point(1.0, 0.0, 1e-4));
     // Beyond either segment the point is written, but does not count.
     const MMLine beyond({3, -1, 0}, {3, 1, 0});
     EXPECT_TRUE(a.GetIntersectionPoint(beyond, out, 1e-3, false));
     EXPECT_FALSE(a.GetIntersectionPoint(beyond, out, 1e-3, true) || out != Point(3.0, 0.0, 0.0));
     EXPECT_FALSE(beyond.GetIntersectionPoint(a, out, 1e-3, true));
     EXPECT_FALSE(a.GetIntersectionPoint(MMLine({0, 0, 0}, {1, 0.0009, 0}), out, 1.0, false));
-}
-
-TEST(Line, ParallelAndOnLineAreStrict)
-{
-    const MMLine a({0, 0, 0}, {2, 0, 0});
-    EXPECT_FALSE(a.IsParallel(a, 0.0));
+    MMLine none;
+    EXPECT_FALSE(a.IsParallel(a, 0.0) || a.GetCommonPerpendicularLine(a, none, 0.0));
     const Point aside(9.0, 0.5, 0.0);
     EXPECT_TRUE(a.IsPointOnLine(aside, false, 0.51) && !a.IsPointOnLine(aside, false, 0.5));
     EXPECT_TRUE(a.IsPointOnLine({2, 0, 0}, true, 1.0) && !a.IsPointOnLine({2, 0.1, 0}, true, 1.0));
-    EXPECT_DOUBLE_EQ(MMLine({}, {3e200, 4e200, 0}).Length(), 5e200);
+    EXPECT_DOUBLE_EQ(MMLine({1, 2, 3}, {3e200, 4e200, 0}).Length(), 5e200);
 }
 
 // The foot, the distance and the sign against the determinant of the points.
@@ -61,18 +57,17 @@ TEST(Line2D, ProjectsAndMeasures)
 {
     norvek_test::Random random(512);
     for (int i = 0; i < 500; ++i) {
-        const Point2 p(random.Uniform(-10, 10), random.Uniform(-10, 10));
-        const Point2 q(random.Uniform(-10, 10), random.Uniform(-10, 10));
-        const Point2 at(random.Uniform(-10, 10), random.Uniform(-10, 10));
-        MMLine2D line(p, q);
-        const Point2 d = q - p;
+        const Point p = random.Point(10.0);
+        const Point q = random.Point(10.0);
+        const Point2 at(p.z, q.z);
+        MMLine2D line({p.x, p.y}, {q.x, q.y});
+        const Point2 d(q.x - p.x, q.y - p.y);
         const double expected = (d.x * (at.y - p.y) - d.y * (at.x - p.x)) / d.Length();
         EXPECT_NEAR(line.GetDistance(at), std::abs(expected), 1e-12);
+        EXPECT_NEAR(line.GetLength(), d.Length(), 1e-13);
         // With b = -1 the equation is negative above the line, whichever way the line runs.
-        const double below = d.x > 0.0 ? -expected : expected;
-        EXPECT_NEAR(line.GetSignedDistance(at), below, 1e-12);
+        EXPECT_NEAR(line.GetSignedDistance(at), d.x > 0.0 ? -expected : expected, 1e-12);
         line.Project(line.GetFirstPoint(), at);
-        EXPECT_NEAR((line.GetFirstPoint() - at).Length(), std::abs(expected), 1e-12);
         EXPECT_NEAR((line.GetFirstPoint() - at).Dot(d), 0.0, 1e-10);
     }
     const MMLine2D dot({3, 4}, {3, 4});
@@ -84,12 +79,13 @@ TEST(Line2D, ProjectsAndMeasures)
 TEST(Line2D, EquationFollowsItsCases)
 {
     const std::pair<MMLine2D, Point> cases[] = {
-        {{{4, 0}, {4, 9}}, {-0.25, 0, 1}}, {{{0, 0}, {0, 9}}, {1, 0, 0}},
-        {{{0, 1}, {2, 5}}, {2, -1, 1}},    {{{5, 4}, {9, 4}}, {0, -0.25, 1}},
-        {{{5, 0}, {9, 0}}, {0, 1, 0}},     {{{4, 4}, {4, 4}}, {-0.25, 0, 1}}};
+        {{{4, 0}, {4, 9}}, {-0.25, 0, 1}},  {{{0, 0}, {0, 9}}, {1, 0, 0}},
+        {{{0, 1}, {2, 5}}, {2, -1, 1}},     {{{5, 4}, {9, 4}}, {0, -0.25, 1}},
+        {{{5, 0}, {9, 0}}, {0, 1, 0}},      {{{-4, 4}, {-4, 4}}, {0.25, 0, 1}},
+        {{{5, -4}, {9, -4}}, {0, 0.25, 1}}, {{{4, 0}, {4.5, 0}}, {0, 1, 0}}};
     for (const auto& [line, expected] : cases) {
         Point equation(9.0, 9.0, 9.0);
-        line.GetLineEquation(equation.x, equation.y, equation.z, 1e-9);
+        line.GetLineEquation(equation.x, equation.y, equation.z, 0.5);
         EXPECT_EQ(equation, expected);
     }
     // The sign changes sides between the cases.
@@ -100,17 +96,18 @@ TEST(Line2D, EquationFollowsItsCases)
 TEST(Line2D, ParallelLooksAtTheXComponentsOnly)
 {
     const MMLine2D up({0, 0}, {0, 1});
-    const MMLine2D right({0, 0}, {1, 0});
+    const MMLine2D right({1, 1}, {3, 1});
     EXPECT_FALSE(up.IsParallel(MMLine2D({0, 0}, {0, -1}), 0.5));
     EXPECT_TRUE(right.IsParallel(MMLine2D({0, 0}, {-1, 0}), 1e-9));
-    EXPECT_TRUE(right.IsCoincident(MMLine2D({3, 0}, {9, 0}), 1e-9));
-    EXPECT_FALSE(right.IsCoincident(MMLine2D({3, 1}, {9, 1}), 1e-9));
+    EXPECT_TRUE(right.IsCoincident(MMLine2D({3, 1}, {9, 1}), 1e-9));
+    EXPECT_FALSE(right.IsCoincident(MMLine2D({3, 2}, {9, 2}), 1e-9));
     EXPECT_FALSE(right.IsCoincident(right, 0.5));
-    EXPECT_TRUE(right.IsPointOnLine({-7, 0}, 1e-9));
-    EXPECT_FALSE(right.IsPointOnLineSegment({1, 0}, 0.1));
-    EXPECT_TRUE(right.IsPointOnLineSegment({0.5, 0}, 0.0));
-    EXPECT_FALSE(right.IsPointOnLineSegment({0, 0}, 0.9));
-    EXPECT_TRUE(right.IsPointOnLineSegment({0, 0}, 1.0));
+    EXPECT_TRUE(right.IsPointOnLine({-7, 1}, 1e-9));
+    const std::tuple<Point2, double, bool> cases[] = {{{3, 1}, 0.1, false}, {{1, 1}, 0.9, false},
+                                                      {{2, 2}, 0.2, false}, {{2, 1}, 0.0, true},
+                                                      {{1, 1}, 1.0, true},  {{2, 2}, 0.3, true}};
+    for (const auto& [point, tolerance, lies] : cases)
+        EXPECT_EQ(right.IsPointOnLineSegment(point, tolerance), lies) << point;
 }
 
 TEST(Line2D, SegmentsMeetWithinTwiceTheTolerance)
@@ -128,7 +125,8 @@ TEST(Line2D, SegmentsMeetWithinTwiceTheTolerance)
 
     const std::pair<MMLine2D, bool> cases[] = {
         {{{9, 9}, {1, 3}}, true},          {{{0, 2}, {-9, 2}}, true}, {{{-1, 2.5}, {2, 2.6}}, true},
-        {{{-1, 2.5}, {-0.1, 2.6}}, false}, {{{0, 5}, {3, 2}}, false}, {{{0.5, 4}, {1.5, 1}}, true}};
+        {{{-1, 2.5}, {-0.1, 2.6}}, false}, {{{0, 5}, {3, 2}}, false}, {{{0.5, 4}, {1.5, 1}}, true},
+        {{{0.4, 2.5}, {0.6, 2.6}}, true}};
     for (const auto& [segment, lies] : cases)
         EXPECT_EQ(segment.DoesSegmentLieOnRect(0, 2, 1, 3, 1e-9), lies);
 }
