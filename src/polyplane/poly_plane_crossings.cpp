@@ -144,30 +144,12 @@ bool MPolyPlane::LineIntersects(MMPoint3d<double> a, MMPoint3d<double> b) const
     });
 }
 
-// One look at the box of the whole outline answers for most triangles of a large surface.
-bool MPolyPlane::TriangleIntersectRejection(MMPoint3d<double> a, MMPoint3d<double> b,
-                                            MMPoint3d<double> c) const
-{
-    for (Point* const corner : {&a, &b, &c})
-        _zeroPlane.Project(*corner, *corner);
-    char first = 0;
-    char second = 0;
-    _IsInsideFindAxes(first, second);
-    return InAxes(first, second, [&]<Axis U, Axis V>() {
-        const FlatTriangle<U, V> triangle(a, b, c);
-        if (triangle.IsBeside(_box.GetCornerMin(), _box.GetCornerMax()))
-            return true;
-        for (std::size_t i = 0; i < _points.size(); ++i)
-            if (!triangle.Misses(_points[i], _points[_Next(i)]))
-                return false;
-        return true;
-    });
-}
-
-// Segments that are missed for certain are passed over: among nearly collinear ones the exact test
-// could be wrong about them by rounding.
-bool MPolyPlane::TriangleIntersects(MMPoint3d<double> a, MMPoint3d<double> b,
-                                    MMPoint3d<double> c) const
+// Whether a segment of the outline passes `test` against the triangle, both seen along the
+// direction. One look at the box of the whole outline answers for most triangles of a large
+// surface.
+template <class Test>
+bool MPolyPlane::_HasSegment(MMPoint3d<double> a, MMPoint3d<double> b, MMPoint3d<double> c,
+                             const Test& test) const
 {
     for (Point* const corner : {&a, &b, &c})
         _zeroPlane.Project(*corner, *corner);
@@ -178,12 +160,27 @@ bool MPolyPlane::TriangleIntersects(MMPoint3d<double> a, MMPoint3d<double> b,
         const FlatTriangle<U, V> triangle(a, b, c);
         if (triangle.IsBeside(_box.GetCornerMin(), _box.GetCornerMax()))
             return false;
-        for (std::size_t i = 0; i < _points.size(); ++i) {
-            const Point& p = _points[i];
-            const Point& q = _points[_Next(i)];
-            if (!triangle.Misses(p, q) && triangle.Meets(p, q))
+        for (std::size_t i = 0; i < _points.size(); ++i)
+            if (test(triangle, _points[i], _points[_Next(i)]))
                 return true;
-        }
         return false;
+    });
+}
+
+bool MPolyPlane::TriangleIntersectRejection(MMPoint3d<double> a, MMPoint3d<double> b,
+                                            MMPoint3d<double> c) const
+{
+    return !_HasSegment(a, b, c, [](const auto& triangle, const Point& p, const Point& q) {
+        return !triangle.Misses(p, q);
+    });
+}
+
+// Segments that are missed for certain are passed over: among nearly collinear ones the exact test
+// could be wrong about them by rounding.
+bool MPolyPlane::TriangleIntersects(MMPoint3d<double> a, MMPoint3d<double> b,
+                                    MMPoint3d<double> c) const
+{
+    return _HasSegment(a, b, c, [](const auto& triangle, const Point& p, const Point& q) {
+        return !triangle.Misses(p, q) && triangle.Meets(p, q);
     });
 }

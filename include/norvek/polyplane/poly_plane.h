@@ -236,6 +236,9 @@ private:
     void _IsInsideFindAxes(char& first, char& second) const;
     double _LengthOfSegment(std::size_t index) const;
     double _Margin() const;
+    template <class Test>
+    bool _HasSegment(MMPoint3d<double> a, MMPoint3d<double> b, MMPoint3d<double> c,
+                     const Test& test) const;
 
     MMPoint3d<double> _direction;
     MMPoint3d<double> _origin;
