@@ -1,9 +1,6 @@
 #include "support/matrix_families.h"
-#include "support/matrix_values.h"
 
-#include <norvek/linalg/general_matrix.h>
 #include <norvek/linalg/jacobi_eigenvectors.h>
-#include <norvek/linalg/symmetric_matrix.h>
 
 #include <Eigen/Dense>
 #include <gtest/gtest.h>
@@ -11,92 +8,86 @@
 #include <bit>
 #include <cmath>
 #include <cstdint>
+#include <numeric>
 #include <utility>
 #include <vector>
 
 namespace
 {
 
-using norvek_test::Packed;
-using norvek_test::Random;
-using norvek_test::RowByRow;
+using namespace norvek_test;
 using Values = std::vector<double>;
+using Vector = Eigen::VectorXd;
 
 // The bits; all NaN are one.
-std::uint64_t Bits(double value)
+template <class Container>
+std::vector<std::uint64_t> Bits(const Container& values)
 {
-    return std::isnan(value) ? 0 : std::bit_cast<std::uint64_t>(value);
+    std::vector<std::uint64_t> bits;
+    bits.reserve(static_cast<std::size_t>(values.size()));
+    for (const double value : values)
+        bits.push_back(std::isnan(value) ? 0 : std::bit_cast<std::uint64_t>(value));
+    return bits;
 }
 
-// Row by row.
-void ExpectSameBits(const Values& values, const Eigen::MatrixXd& expected)
+// The values by descending magnitude, and then the vectors in the same order.
+Values Jacobi(const MSymmetricMatrix& s, double tolerance)
 {
-    const Eigen::MatrixXd transposed = expected.transpose();
-    ASSERT_EQ(values.size(), static_cast<std::size_t>(transposed.size()));
-    for (std::size_t i = 0; i < values.size(); ++i)
-        ASSERT_EQ(Bits(values[i]), Bits(transposed.data()[i])) << i << ": " << values[i];
+    const unsigned int n = s.GetNumRows();
+    Values result(n);
+    MJacobiEigenVectors vectors(n);
+    s.GetEigensJacobi(vectors.Receive(), result.data(), tolerance);
+    for (unsigned int i = 0; i < n; ++i)
+        result.insert(result.end(), vectors[i], vectors[i] + n);
+    return result;
 }
 
 // The rotations with whole products and both norms anew after each.
-void PlainJacobi(MSymmetricMatrix a, double tolerance, Values& values, MGeneralMatrix& v)
+Values PlainJacobi(MSymmetricMatrix s, double tolerance)
 {
-    const unsigned int n = a.GetNumRows();
-    MGeneralMatrix full(n, n);
-    MGeneralMatrix r(n, n);
-    MGeneralMatrix transposed(n, n);
-    v = full;
-    v.MakeIdentity();
+    const unsigned int n = s.GetNumRows();
+    RowMajor v = RowMajor::Identity(n, n);
     double ratio = 1.0;
     for (unsigned int k = 0; ratio > tolerance && k < 200 * n * n; ++k) {
         unsigned int p = 0;
         unsigned int q = 0;
-        a.ChooseJacobiIndices(p, q);
-        const double theta = (a(q, q) - a(p, p)) / (2.0 * a(p, q));
+        s.ChooseJacobiIndices(p, q);
+        const double theta = (s(q, q) - s(p, p)) / (2.0 * s(p, q));
         const double numerator = k < 100 * n * n ? std::abs(theta) : 1.0;
         double t = numerator / (std::sqrt(theta * theta + 1.0) + std::abs(theta));
         t = theta < 0.0 ? -t : t;
         const double c = 1.0 / std::sqrt(t * t + 1.0);
-        r.MakeIdentity();
+        RowMajor r = RowMajor::Identity(n, n);
         r(p, q) = c * t;
         r(q, p) = -(c * t);
         r(p, p) = r(q, q) = c;
-        for (unsigned int i = 0; i < n * n; ++i)
-            transposed(i / n, i % n) = r(i % n, i / n);
-        full.Copy(&a);
-        full = transposed * full * r;
-        v = transposed * v;
-        for (unsigned int i = 0; i < n * n; ++i)
-            a(i / n, i % n) = full(i / n, i % n);
-        ratio = a.GetOffDiagonalEuclidNormSq() / a.GetEuclidNormSq();
+        s = Packed(PlainProduct(PlainProduct(r.transpose(), ToEigen(s)), r));
+        v = PlainProduct(r.transpose(), v);
+        ratio = s.GetOffDiagonalEuclidNormSq() / s.GetEuclidNormSq();
     }
-    for (unsigned int i = 0; i < n; ++i)
-        values.push_back(a(i, i));
+    std::vector<unsigned int> order(n);
+    std::iota(order.begin(), order.end(), 0U);
+    for (unsigned int step = 0; step + n < n * n; ++step) {
+        unsigned int* const pair = &order[step % (n - 1)];
+        if (std::abs(s(pair[0], pair[0])) < std::abs(s(pair[1], pair[1])))
+            std::swap(pair[0], pair[1]);
+    }
+    Values result;
+    for (const unsigned int i : order)
+        result.push_back(s(i, i));
+    for (const unsigned int i : order)
+        result.insert(result.end(), v.row(i).begin(), v.row(i).end());
+    return result;
 }
 
 void ExpectBitsOfWholeProducts(const MSymmetricMatrix& s)
 {
-    const unsigned int n = s.GetNumRows();
-    for (const double tolerance : {0.5, 1e-3, 1e-12, 1e-34}) {
-        Values plain;
-        MGeneralMatrix v;
-        PlainJacobi(s, tolerance, plain, v);
-        std::vector<unsigned int> order(n);
-        for (unsigned int i = 0; i < n; ++i)
-            order[i] = i;
-        for (unsigned int step = 0; step + n < n * n; ++step) {
-            const unsigned int i = step % (n - 1);
-            if (std::abs(plain[order[i]]) < std::abs(plain[order[i + 1]]))
-                std::swap(order[i], order[i + 1]);
-        }
-        Values values(n);
-        MJacobiEigenVectors vectors(n);
-        s.GetEigensJacobi(vectors.Receive(), values.data(), tolerance);
-        for (unsigned int i = 0; i < n; ++i) {
-            ASSERT_EQ(Bits(values[i]), Bits(plain[order[i]])) << tolerance;
-            for (unsigned int j = 0; j < n; ++j)
-                ASSERT_EQ(Bits(vectors[i][j]), Bits(v(order[i], j))) << tolerance;
-        }
+    // No rotation from a tolerance of 1 on, or with none.
+    for (const double tolerance : {1.0, std::nan(""), 0.5, 1e-3, 1e-12, 1e-34, 0.0}) {
+        ASSERT_EQ(Bits(Jacobi(s, tolerance)), Bits(PlainJacobi(s, tolerance))) << tolerance << '\n'
+                                                                               << ToEigen(s);
     }
+    EXPECT_EQ(Bits(Jacobi(s, -1.0)), Bits(Jacobi(s, 0.0)));
 }
 
 TEST(Jacobi, RotationsHaveTheBitsOfWholeProducts)
@@ -104,22 +95,18 @@ TEST(Jacobi, RotationsHaveTheBitsOfWholeProducts)
     Random random(402);
     const double hostile[]{0.0, -0.0, 1.0, -3.0, 1e-170, 1e170, -1e308, INFINITY, NAN, 1e-310};
     for (int round = 0; round < 400; ++round) {
-        SCOPED_TRACE(round);
-        const auto n = static_cast<unsigned int>(round == 0 ? 9 : random.Integer(1, 4));
+        const int n = round == 0 ? 9 : random.Integer(1, 4);
         // Every other matrix has something worse in it than zeros and whole numbers.
         const int last = round % 2 == 0 ? 3 : round % 4 == 1 ? 5 : 9;
-        MSymmetricMatrix s(n);
-        for (unsigned int i = 0; i < n * n; ++i) {
-            s(i / n, i % n) = random.Integer(0, 2) == 0 ? hostile[random.Integer(0, last)]
-                                                        : random.Uniform(-1.0, 1.0);
-        }
-        ExpectBitsOfWholeProducts(s);
+        ExpectBitsOfWholeProducts(Packed(RowMajor::NullaryExpr(n, n, [&] {
+            return random.Integer(0, 2) == 0 ? hostile[random.Integer(0, last)]
+                                             : random.Uniform(-1.0, 1.0);
+        })));
     }
     // Twins whose elements, once both are rotated, are equal in the first row: the first is next.
     for (const bool nested : {false, true}) {
         const unsigned int index[]{1, nested ? 4U : 2U, nested ? 2U : 3U, nested ? 3U : 4U};
-        MSymmetricMatrix s(5);
-        s.SetToZero();
+        MSymmetricMatrix s = Packed(RowMajor::Zero(5, 5));
         for (const unsigned int k : {0U, 2U}) {
             s(0, index[k]) = s(0, index[k + 1]) = 0.6;
             s(index[k], index[k]) = nested ? 0.1 : 1.0;
@@ -128,83 +115,41 @@ TEST(Jacobi, RotationsHaveTheBitsOfWholeProducts)
         }
         ExpectBitsOfWholeProducts(s);
     }
-}
-
-TEST(Jacobi, EndsEverywhereAndSortsByMagnitude)
-{
-    const auto eigens = [](const Values& values, unsigned int n, double tolerance) {
-        Values result(n);
-        MJacobiEigenVectors vectors(n);
-        Packed(values, n).GetEigensJacobi(vectors.Receive(), result.data(), tolerance);
-        for (unsigned int i = 0; i < n; ++i)
-            result.insert(result.end(), vectors[i], vectors[i] + n);
-        return result;
-    };
-    EXPECT_EQ(eigens({1, 0, 0, -3}, 2, 0.5), (Values{-3, 1, 0, 1, 1, 0}));
-    // No rotation from a tolerance of 1 on; equal magnitudes keep their order.
-    EXPECT_EQ(eigens({2, 9, 9, -2}, 2, 1.0), (Values{2, -2, 1, 0, 0, 1}));
-    EXPECT_EQ(eigens({2, 9, 9, -2}, 2, NAN), (Values{2, -2, 1, 0, 0, 1}));
-    // The described tangent is 0 here, for ever.
-    const Values equal = eigens({1, 2, 2, 1}, 2, 1e-12);
-    EXPECT_NEAR(equal[0], 3.0, 1e-15);
-    EXPECT_NEAR(equal[1], -1.0, 1e-15);
-    for (const double tolerance : {0.0, -1.0})
-        EXPECT_NEAR(eigens({4, 1, 1, 1, 3, 1, 1, 1, -2}, 3, tolerance)[2], -2.3318, 0.1);
     // A ratio too small for a double is 0.
-    EXPECT_EQ(eigens({1e15, 1e-150, 1e-150, 1e15}, 2, 0.0), (Values{1e15, 1e15, 1, 0, 0, 1}));
-    // A diagonal that begins with 0 is divided by it.
-    EXPECT_TRUE(std::isnan(eigens({0, 0, 0, 5}, 2, 1e-12)[0]));
-    EXPECT_TRUE(eigens({}, 0, 1e-12).empty());
+    ExpectBitsOfWholeProducts(Packed(RowMajor{{1e15, 1e-150}, {1e-150, 1e15}}));
+    EXPECT_TRUE(Jacobi(MSymmetricMatrix(), 1e-12).empty());
 }
 
-// The reduction and QL on one half of the matrix. Expressions over rows and columns are element by
-// element; sums are written out.
-void PlainReduction(Eigen::MatrixXd& z, Eigen::VectorXd& d, Eigen::VectorXd& e)
+// The reduction on one half of the matrix. Expressions over rows and columns are element by
+// element; sums are in ascending order.
+void PlainReduction(RowMajor& z, Vector& d, Vector& e)
 {
-    const auto n = static_cast<int>(z.rows());
     d.setZero();
-    for (int i = n - 1; i > 0; --i) {
-        double h = 0.0;
-        double scale = 0.0;
-        for (int k = 0; k < i; ++k)
-            scale += std::abs(z(i, k));
-        e[i] = z(i, i - 1);
+    for (Eigen::Index i = z.rows() - 1; i > 0; --i) {
+        auto row = z.row(i).head(i);
+        const double scale = Dot(row.cwiseAbs(), Vector::Ones(i));
+        e[i] = row(i - 1);
         if (i == 1 || scale == 0.0)
             continue;
-        for (int k = 0; k < i; ++k) {
-            z(i, k) /= scale;
-            h += z(i, k) * z(i, k);
-        }
-        double f = z(i, i - 1);
-        double g = f >= 0.0 ? -std::sqrt(h) : std::sqrt(h);
+        row /= scale;
+        const double square = Dot(row, row);
+        const double root = std::sqrt(square);
+        const double g = row(i - 1) >= 0.0 ? -root : root;
         e[i] = scale * g;
-        h -= f * g;
-        z(i, i - 1) = f - g;
-        f = 0.0;
-        for (int j = 0; j < i; ++j) {
-            z(j, i) = z(i, j) / h;
-            g = 0.0;
-            for (int k = 0; k < i; ++k)
-                g += (k <= j ? z(j, k) : z(k, j)) * z(i, k);
-            e[j] = g / h;
-            f += e[j] * z(i, j);
-        }
-        const double hh = f / (h + h);
-        for (int j = 0; j < i; ++j) {
-            f = z(i, j);
-            e[j] = g = e[j] - hh * f;
-            z.row(j).head(j + 1) -= f * e.head(j + 1).transpose() + g * z.row(i).head(j + 1);
-        }
-        d[i] = h;
+        d[i] = square - row(i - 1) * g;
+        row(i - 1) -= g;
+        z.col(i).head(i) = row.transpose() / d[i];
+        const RowMajor both = z.topLeftCorner(i, i).selfadjointView<Eigen::Lower>();
+        e.head(i) = PlainProduct(both, row.transpose()) / d[i];
+        const double half = Dot(e.head(i), row) / (d[i] + d[i]);
+        e.head(i) -= half * row.transpose();
+        for (Eigen::Index j = 0; j < i; ++j)
+            z.row(j).head(j + 1) -= row(j) * e.head(j + 1).transpose() + e[j] * row.head(j + 1);
     }
     e[0] = 0.0;
-    for (int i = 0; i < n; ++i) {
-        for (int j = 0; i > 0 && d[i] != 0.0 && j < i; ++j) {
-            double g = 0.0;
-            for (int k = 0; k < i; ++k)
-                g += z(i, k) * z(k, j);
-            z.col(j).head(i) -= g * z.col(i).head(i);
-        }
+    for (Eigen::Index i = 0; i < z.rows(); ++i) {
+        for (Eigen::Index j = 0; i > 0 && d[i] != 0.0 && j < i; ++j)
+            z.col(j).head(i) -= Dot(z.row(i).head(i), z.col(j).head(i)) * z.col(i).head(i);
         d[i] = z(i, i);
         z(i, i) = 1.0;
         z.row(i).head(i).setZero();
@@ -212,50 +157,56 @@ void PlainReduction(Eigen::MatrixXd& z, Eigen::VectorXd& d, Eigen::VectorXd& e)
     }
 }
 
-bool PlainQL(Eigen::MatrixXd& z, Eigen::VectorXd& d, Eigen::VectorXd& e)
+// One implicit shift on the rows from l to m.
+void PlainShift(RowMajor& z, Vector& d, Vector& e, Eigen::Index l, Eigen::Index m)
 {
-    const auto n = static_cast<int>(z.rows());
-    for (int i = 1; i < n; ++i)
-        e[i - 1] = e[i];
+    double g = (d[l + 1] - d[l]) / (2.0 * e[l]);
+    g = d[m] - d[l] + e[l] / (g + std::copysign(std::sqrt(g * g + 1.0), g));
+    double s = 1.0;
+    double c = 1.0;
+    double p = 0.0;
+    for (Eigen::Index i = m - 1; i >= l; --i) {
+        const double f = s * e[i];
+        const double b = c * e[i];
+        const double r = std::sqrt(f * f + g * g);
+        e[i + 1] = r;
+        if (r == 0.0) {
+            d[i + 1] -= p;
+            e[m] = 0.0;
+            return;
+        }
+        s = f / r;
+        c = g / r;
+        g = d[i + 1] - p;
+        const double q = (d[i] - g) * s + 2.0 * c * b;
+        p = s * q;
+        d[i + 1] = g + p;
+        g = c * q - b;
+        const Vector lower = z.col(i + 1);
+        z.col(i + 1) = s * z.col(i) + c * lower;
+        z.col(i) = c * z.col(i) - s * lower;
+    }
+    d[l] -= p;
+    e[l] = g;
+    e[m] = 0.0;
+}
+
+bool PlainQL(RowMajor& z, Vector& d, Vector& e)
+{
+    const Eigen::Index n = z.rows();
+    e.head(n - 1) = e.tail(n - 1).eval();
     e[n - 1] = 0.0;
-    for (int l = 0, count = 0, m = 0; l < n; l += m == l ? 1 : 0) {
-        for (m = l; m < n - 1 && !(std::abs(e[m]) < 1e-08);)
-            ++m;
-        count = m == l ? 0 : count + 1;
-        if (m == l)
-            continue;
-        if (count > 100)
-            return false;
-        double g = (d[l + 1] - d[l]) / (2.0 * e[l]);
-        double r = std::sqrt(g * g + 1.0);
-        g = d[m] - d[l] + e[l] / (g + std::copysign(r, g));
-        double s = 1.0;
-        double c = 1.0;
-        double p = 0.0;
-        for (int i = m - 1; i >= l && r != 0.0; --i) {
-            const double f = s * e[i];
-            const double b = c * e[i];
-            e[i + 1] = r = std::sqrt(f * f + g * g);
-            if (r == 0.0) {
-                d[i + 1] -= p;
+    for (Eigen::Index l = 0; l < n; ++l) {
+        for (int count = 0;; ++count) {
+            Eigen::Index m = l;
+            while (m < n - 1 && !(std::abs(e[m]) < 1e-08))
+                ++m;
+            if (m == l)
                 break;
-            }
-            s = f / r;
-            c = g / r;
-            g = d[i + 1] - p;
-            const double q = (d[i] - g) * s + 2.0 * c * b;
-            p = s * q;
-            d[i + 1] = g + p;
-            g = c * q - b;
-            const Eigen::VectorXd lower = z.col(i + 1);
-            z.col(i + 1) = s * z.col(i) + c * lower;
-            z.col(i) = c * z.col(i) - s * lower;
+            if (count == 100)
+                return false;
+            PlainShift(z, d, e, l, m);
         }
-        if (r != 0.0) {
-            d[l] -= p;
-            e[l] = g;
-        }
-        e[m] = 0.0;
     }
     return true;
 }
@@ -263,55 +214,67 @@ bool PlainQL(Eigen::MatrixXd& z, Eigen::VectorXd& d, Eigen::VectorXd& e)
 TEST(QL, HasTheBitsOfThePlainLoops)
 {
     Random random(403);
-    const auto compare = [](const Values& values, unsigned int n) {
-        Eigen::MatrixXd z = Eigen::Map<const Eigen::MatrixXd>(values.data(), n, n);
-        Eigen::VectorXd d(n);
-        Eigen::VectorXd e(n);
+    const auto compare = [](const RowMajor& a) {
+        RowMajor z = a;
+        Vector d(a.rows());
+        Vector e(a.rows());
         PlainReduction(z, d, e);
-        const MSymmetricMatrix s = Packed(values, n);
+        const MSymmetricMatrix s = Packed(a);
         Values ours;
         Values beside;
         MGeneralMatrix vectors(1, 7);
         s.HouseholderReduction(ours, beside, vectors);
-        ExpectSameBits(ours, d);
-        ExpectSameBits(beside, e);
-        ExpectSameBits(RowByRow(vectors), z);
+        ASSERT_EQ(Bits(ours), Bits(d)) << a;
+        ASSERT_EQ(Bits(beside), Bits(e)) << a;
+        ASSERT_EQ(Bits(RowByRow(vectors)), Bits(z.reshaped<Eigen::RowMajor>())) << a;
         const bool isolated = PlainQL(z, d, e);
         EXPECT_EQ(s.CalculateEigenVectors(ours, vectors), isolated);
-        ExpectSameBits(ours, d);
-        ExpectSameBits(RowByRow(vectors), z);
+        ASSERT_EQ(Bits(ours), Bits(d)) << a;
+        ASSERT_EQ(Bits(RowByRow(vectors)), Bits(z.reshaped<Eigen::RowMajor>())) << a;
+        // Packed storage has no room for what is above the diagonal, but is none the worse for it.
+        MSymmetricMatrix packed;
+        s.CalculateEigenVectors(ours, packed);
+        EXPECT_EQ(Bits(RowByRow(packed)), Bits(RowByRow(Packed(z))));
     };
-    norvek_test::ForEachMatrix(random, [&](const char* name, unsigned int n, const Values& values) {
-        SCOPED_TRACE(name);
-        compare(values, n);
-    });
-    for (const unsigned int n : {4U, 7U, 17U})
-        compare(norvek_test::kMatrixFamilies[0].make(random, n), n);
+    ForEachMatrix(random, compare);
     // Zeros, where the matrix falls apart, and what never settles.
     const double hostile[]{0.0, -0.0, 1.0, 1e-9, 1e200, NAN, INFINITY, 1e-310};
     for (int round = 0; round < 400; ++round) {
-        const auto n = static_cast<unsigned int>(random.Integer(1, 7));
-        Values values(std::size_t{n} * n);
-        for (double& value : values)
-            value = hostile[random.Integer(0, round % 8)];
-        compare(RowByRow(Packed(values, n)), n);
+        const int n = random.Integer(1, 7);
+        compare(ToEigen(Packed(
+            RowMajor::NullaryExpr(n, n, [&] { return hostile[random.Integer(0, round % 8)]; }))));
     }
-}
-
-TEST(QL, FillsMatricesOfEveryKindAndOrder)
-{
     Values values;
     MGeneralMatrix vectors;
-    EXPECT_TRUE(Packed({3, 0, 0, -1}, 2).CalculateEigenVectors(values, vectors));
-    EXPECT_EQ(values, (Values{3, -1}));
-    EXPECT_EQ(RowByRow(vectors), (Values{1, 0, 0, 1}));
-    // Packed storage has no room for the zeros and ones above, but is none the worse for it.
-    MSymmetricMatrix packed;
-    EXPECT_TRUE(Packed({3, 0, 0, -1}, 2).CalculateEigenVectors(values, packed));
-    EXPECT_EQ(RowByRow(packed), (Values{1, 0, 0, 1}));
-    EXPECT_TRUE(MSymmetricMatrix().CalculateEigenVectors(values, vectors));
-    EXPECT_TRUE(values.empty());
-    EXPECT_EQ(vectors.GetNumRows(), 0U);
+    EXPECT_TRUE(MSymmetricMatrix().CalculateEigenVectors(values, vectors) && values.empty());
+}
+
+// |A - Z D Z'| and |I - Z Z'| against n machine epsilons.
+void ExpectEigens(const RowMajor& a, const Values& d, const RowMajor& z, double limit)
+{
+    const Eigen::Index n = a.rows();
+    const auto diagonal = Eigen::Map<const Vector>(d.data(), n).asDiagonal();
+    const double unit = limit * static_cast<double>(n) * kEpsilon;
+    EXPECT_LE(OneNorm(a - z * diagonal * z.transpose()), unit * OneNorm(a));
+    EXPECT_LE(OneNorm(RowMajor::Identity(n, n) - z * z.transpose()), unit);
+}
+
+TEST(SymmetricSolvers, ResidualsAreSmallOnHardMatrices)
+{
+    Random random(404);
+    ForEachMatrix(random, [](const RowMajor& a) {
+        // Large enough that QL's absolute 1e-8 is nothing.
+        const RowMajor large = 0x1p40 * a;
+        Values d;
+        MGeneralMatrix vectors;
+        EXPECT_TRUE(Packed(large).CalculateEigenVectors(d, vectors));
+        ExpectEigens(large, d, ToEigen(vectors), 30.0);
+        // 200 n rotations take part in every row of the vectors: they leave more than 30.
+        d = Jacobi(Packed(a), 1e-30);
+        const Eigen::Map<const Eigen::MatrixXd> z(d.data() + a.rows(), a.rows(), a.rows());
+        if (a.norm() > 0.0)
+            ExpectEigens(a, d, z, 100.0);
+    });
 }
 
 } // namespace
