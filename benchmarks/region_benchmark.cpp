@@ -61,6 +61,30 @@ void BM_Nesting(benchmark::State& state)
     state.SetItemsProcessed(state.iterations() * border.GetNumPoints());
 }
 
+// A square plate with rows of square holes; the copy that is merged counts too.
+void BM_MergeHoles(benchmark::State& state)
+{
+    const auto numRows = static_cast<int>(state.range(0));
+    Border border;
+    const auto addSquare = [&](double x, double y, double half) {
+        AddRing(border, {{x - half, y - half},
+                         {x + half, y - half},
+                         {x + half, y + half},
+                         {x - half, y + half}});
+    };
+    addSquare(0.5 * numRows, 0.5 * numRows, numRows);
+    for (int i = 0; i < numRows; ++i)
+        for (int k = 0; k < numRows; ++k)
+            addSquare(i, k, 0.3);
+    for (auto _ : state) {
+        Border merged(border);
+        merged.MergeToOnlyOuterContours();
+        if (merged.GetNumContours() != 1)
+            state.SkipWithError("holes are left");
+    }
+    state.SetItemsProcessed(state.iterations() * border.GetNumPoints());
+}
+
 // Two waved rings of 1e5 edges each that meet in forty places.
 std::vector<PlaneRing> CrossingRings()
 {
@@ -110,6 +134,7 @@ BENCHMARK(BM_Triangulate)
     ->ArgsProduct({{0, 1, 2}, {100, 10000, 100000}})
     ->Unit(benchmark::kMicrosecond);
 BENCHMARK(BM_Nesting)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+BENCHMARK(BM_MergeHoles)->Arg(10)->Arg(100)->Arg(300)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_Crossings)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
 BENCHMARK(BM_SortEnds)->Unit(benchmark::kMillisecond);
 
