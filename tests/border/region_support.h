@@ -58,6 +58,29 @@ inline bool HasCrossing(const Rings& rings)
     return false;
 }
 
+/// Whether a ring has edges on top of each other or no edges at all.
+inline bool HasFoldedRing(const Rings& rings)
+{
+    return std::any_of(rings.begin(), rings.end(), [](const Ring& ring) {
+        const auto edges = EdgesOf({ring});
+        using Norvek::Math::Core::Orientation;
+        bool hasLength = ring.empty();
+        for (std::size_t i = 0; i < edges.size(); ++i) {
+            const auto& [p, q] = edges[i];
+            hasLength = hasLength || !(p == q);
+            for (std::size_t j = 0; j < i; ++j) {
+                const auto& [r, s] = edges[j];
+                const double most = std::max((r - p).Dot(q - p), (s - p).Dot(q - p));
+                const double least = std::min((r - p).Dot(q - p), (s - p).Dot(q - p));
+                if (Orientation(p, q, r) == 0 && most > 0.0 && Orientation(p, q, s) == 0 &&
+                    least < (q - p).Dot(q - p))
+                    return true;
+            }
+        }
+        return !hasLength;
+    });
+}
+
 /// Whether a ring runs through another one, or through itself, at a point of both.
 inline bool PassThroughAtPoints(const Rings& rings)
 {
@@ -70,6 +93,15 @@ inline bool PassThroughAtPoints(const Rings& rings)
             ring.pop_back();
         for (std::size_t i = 0; ring.size() > 1 && i < ring.size(); ++i)
             corners.push_back({ring[i], ring[(i + 1) % ring.size()], ring[(i + 2) % ring.size()]});
+    }
+    // An edge bends by nothing at the points on it.
+    const std::size_t numPoints = corners.size();
+    for (const auto& [p, q] : EdgesOf(rings)) {
+        for (std::size_t i = 0; i < numPoints; ++i) {
+            const PlanePoint at = corners[i][1];
+            if (Orientation(p, q, at) == 0 && (p - at).Dot(q - at) < 0.0)
+                corners.push_back({p, at, q});
+        }
     }
     // Counter-clockwise from the edge towards `a`, before that towards `b`.
     const auto isBetween = [](const PlanePoint& o, const PlanePoint& a, const PlanePoint& b,

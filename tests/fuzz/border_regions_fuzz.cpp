@@ -47,28 +47,6 @@ Rings RingsFrom(const std::uint8_t* data, std::size_t size)
     return rings;
 }
 
-// Whether a ring has edges on top of each other or no area at all.
-bool HasFoldedRing(const Rings& rings)
-{
-    return std::any_of(rings.begin(), rings.end(), [](const norvek_test::Ring& ring) {
-        const auto edges = norvek_test::EdgesOf({ring});
-        bool hasLength = ring.empty();
-        for (std::size_t i = 0; i < edges.size(); ++i) {
-            const auto& [p, q] = edges[i];
-            hasLength = hasLength || !(p == q);
-            for (std::size_t j = 0; j < i; ++j) {
-                const auto& [r, s] = edges[j];
-                const double most = std::max((r - p).Dot(q - p), (s - p).Dot(q - p));
-                const double least = std::min((r - p).Dot(q - p), (s - p).Dot(q - p));
-                if (Norvek::Math::Core::Orientation(p, q, r) == 0 && most > 0.0 &&
-                    Norvek::Math::Core::Orientation(p, q, s) == 0 && least < (q - p).Dot(q - p))
-                    return true;
-            }
-        }
-        return !hasLength;
-    });
-}
-
 double AreaOf(const std::vector<void*>& corners, std::vector<Triangle>& triangles)
 {
     double area = 0.0;
@@ -125,8 +103,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(contour.GetIsOuterContour(), "outer contours are left");
     const Rings merged = norvek_test::RingsOf(border);
     Require(hasCrossing || !norvek_test::HasCrossing(merged), "bridges cross nothing");
-    Require(norvek_test::PassThroughAtPoints(rings) || hasCrossing || HasFoldedRing(rings) ||
-                !norvek_test::PassThroughAtPoints(merged),
+    Require(norvek_test::PassThroughAtPoints(rings) || hasCrossing ||
+                norvek_test::HasFoldedRing(rings) || !norvek_test::PassThroughAtPoints(merged),
             "outlines keep to their side");
     triangles.clear();
     const bool isMergedExact = border.FillWithTriangles(count, corners);
