@@ -58,6 +58,11 @@ void Fill(Plane& plane, const Base& base, const Corners& corners, double rise = 
         plane.AddPoint(base.At(corner, 2.0 + 3.0 * corner.x + rise * plane.GetNumPoints()));
 }
 
+unsigned short CountOf(const MPolyPlane& plane)
+{
+    return static_cast<unsigned short>(plane.GetNumPoints());
+}
+
 struct OpenPlane : MPolyPlane
 {
     using MPolyPlane::_Sanity;
@@ -76,7 +81,7 @@ bool IsInsideByEveryEdge(MPolyPlane& plane, Point query)
     MMPlaneEq<double>(plane.GetOrigin(), d).Project(query, query);
     const Flat q = flat(query);
     bool inside = false;
-    for (unsigned short i = 0; i < plane.GetNumPoints(); ++i) {
+    for (unsigned short i = 0; i < CountOf(plane); ++i) {
         const Flat p = flat(plane.GetPoint(i));
         const Flat c = flat(plane.GetPointOnDescribingPolyline(i + 1));
         if (p == c)
@@ -96,7 +101,7 @@ double LargestClippedShare(MPolyPlane& plane, const Point (&t)[3])
     const Point up = plane.GetDirection();
     const double sign = (t[1] - t[0]).Cross(t[2] - t[0]).Dot(up) < 0 ? -1 : 1;
     double largest = -1;
-    for (unsigned short segment = 0; segment < plane.GetNumPoints(); ++segment) {
+    for (unsigned short segment = 0; segment < CountOf(plane); ++segment) {
         double from = 0;
         double to = 1;
         for (int i = 0; i < 3; ++i) {
@@ -129,7 +134,7 @@ TEST(PolyPlane, InsideIsWhatEveryEdgeSaysAndCrossingWhatClippingLeaves)
         plane.Clear();
         Fill(plane, base, corners);
         bool sane = true;
-        for (unsigned short i = 0; i < plane.GetNumPoints(); ++i)
+        for (unsigned short i = 0; i < CountOf(plane); ++i)
             sane = sane && plane.GetPlane(i).On(plane.GetPointOnDescribingPolyline(i + 1), 0x1p-52);
         EXPECT_EQ(plane._Sanity(), sane);
         for (unsigned short i = 0; i < 40; ++i) {
@@ -204,13 +209,13 @@ TEST(PolyPlaneSectors, BoundsPositionsAndDerivedPolylinesFollowTheSegments)
         plane.Clear();
         plane.SetBottomHeight(-2);
         EXPECT_TRUE(plane.GetPosDisplacement() == kLargest);
-        for (unsigned short k = 1; k <= corners.size(); ++k) {
-            plane.AddPoint(base.At(corners[k - 1], 3.0 * corners[k - 1].x));
-            if (k < 3)
+        for (const Flat& corner : corners) {
+            plane.AddPoint(base.At(corner, 3.0 * corner.x));
+            if (plane.GetNumPoints() < 3)
                 continue;
             double low = -kLargest;
             double high = kLargest;
-            for (unsigned short i = 0; i < k; ++i) {
+            for (unsigned short i = 0; i < CountOf(plane); ++i) {
                 const double s = plane.GetPlane(i).Distance(plane.GetFocalPoint(i));
                 (s < 0 ? low : high) = s < 0 ? std::max(s, low) : std::min(s, high);
             }
@@ -220,7 +225,7 @@ TEST(PolyPlaneSectors, BoundsPositionsAndDerivedPolylinesFollowTheSegments)
         const double s = random.Uniform(-0.1, 0.1);
         double sum = 0;
         double derivedSum = 0;
-        for (unsigned short i = 0; i < plane.GetNumSectors(); ++i) {
+        for (unsigned short i = 0; i < CountOf(plane); ++i) {
             const Point start = plane.GetPoint(i);
             const Point along = plane.GetPointOnDescribingPolyline(i + 1) - start;
             const double share = random.Uniform(0.01, 0.99);
