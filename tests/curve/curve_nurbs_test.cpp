@@ -25,6 +25,18 @@ struct OpenCurve : M3dCurveNurbs
     using M3dCurveNurbs::_FindNearest;
     using M3dCurveNurbs::_ParameterRangeAdjust;
     using M3dCurveNurbs::_SegmentMinimal;
+
+    // As for curves of which nothing is known but how to evaluate them.
+    [[nodiscard]] double FindPlainly(const Point& point) const
+    {
+        double t = NAN;
+        EXPECT_TRUE(M3dCurve::_FindNearest(t, point));
+        return t;
+    }
+    [[nodiscard]] double DeviatePlainly(double from, double to) const
+    {
+        return M3dCurve::_ChordDeviation(from, to);
+    }
 };
 
 // A record in an object.
@@ -61,9 +73,9 @@ OpenCurve Circle()
     Point4D points[9];
     for (int i = 0; i < 9; ++i) {
         const double w = i % 2 == 0 ? 1.0 : std::sqrt(0.5);
-        points[i] = {{std::round(std::cos(i * kPi / 4)), std::round(std::sin(i * kPi / 4)), 0, w}};
-        if (i % 2 != 0)
-            points[i] = {{points[i].x * w, points[i].y * w, 0, w}};
+        const double x = std::round(std::cos(i * kPi / 4));
+        const double y = std::round(std::sin(i * kPi / 4));
+        points[i] = {{x * w, y * w, 0, w}};
     }
     return ObjectOf({3, 9, knots, 0, 4, points});
 }
@@ -91,30 +103,20 @@ TEST(CurveObject, StorageFollowsRepairsAndNumbersStay)
     EXPECT_TRUE(curve.GetOrder() == 3 && !curve.IsClosedLoop() && curve.GetMaxParameter() == 1.0);
     EXPECT_EQ(curve.Fit({}, true), M3dCurve::kFailure);
     EXPECT_TRUE(!curve.IsClosedLoop() && curve.GetNumberControlPoints() == 0);
-    const struct
-    {
-        std::uint32_t order, count;
-        std::size_t points;
-        bool isClosed, fits;
-        std::uint32_t usedOrder, usedCount;
-    } cases[] = {
-        {3, 12, 40, false, true, 3, 12},      {0, 12, 40, false, true, 4, 12},
-        {99, 8, 40, true, true, 4, 8},        {3, 0, 40, false, true, 4, 20},
-        {5, 2, 40, false, true, 2, 2},        {4, 4000000000U, 40, false, true, 4, 20},
-        {3, 30, 9, false, true, 3, 9},        {3, 12, 1, false, false, 1, 1},
-        {4, 10, 209716, false, false, 4, 10},
-    };
-    for (const auto& c : cases) {
-        curve.SetOrder(c.order);
-        curve.SetNumberControlPoints(c.count);
+    // Order, count and number of points; whether they fit, and the order and count used.
+    constexpr std::uint32_t cases[][6] = {{3, 12, 40, 1, 3, 12}, {99, 8, 40, 1, 4, 8},
+                                          {5, 2, 40, 1, 2, 2},   {4, ~0U, 40, 1, 4, 20},
+                                          {3, 12, 1, 0, 1, 1},   {4, 10, 209716, 0, 4, 10}};
+    for (const auto& [order, count, numPoints, fits, usedOrder, usedCount] : cases) {
+        curve.SetOrder(order);
+        curve.SetNumberControlPoints(count);
         curve.SetMaxParameter(0.75);
-        const bool fits =
-            curve.Fit(Spiral(static_cast<int>(c.points), 2.5), c.isClosed) == M3dCurve::kSuccess;
-        EXPECT_EQ(fits, c.fits) << c.order << ' ' << c.count;
-        EXPECT_EQ(curve.GetOrder(), c.usedOrder);
-        EXPECT_EQ(curve.GetNumberControlPoints(), c.usedCount);
-        EXPECT_EQ(std::isfinite(At(curve, 0.5).x), c.fits);
-        EXPECT_TRUE(curve.IsClosedLoop() == c.isClosed && curve.GetMaxParameter() == 0.75);
+        const bool isClosed = order == 99;
+        EXPECT_EQ(curve.Fit(Spiral(static_cast<int>(numPoints), 2.5), isClosed),
+                  fits == 1 ? M3dCurve::kSuccess : M3dCurve::kFailure);
+        EXPECT_TRUE(curve.GetOrder() == usedOrder && curve.GetNumberControlPoints() == usedCount);
+        EXPECT_EQ(std::isfinite(At(curve, 0.5).x), fits == 1) << order << ' ' << count;
+        EXPECT_TRUE(curve.IsClosedLoop() == isClosed && curve.GetMaxParameter() == 0.75);
     }
     // Without a number the first fit takes that of its points, and later ones keep it.
     M3dCurveNurbs other;
@@ -132,30 +134,29 @@ TEST(CurveObject, HasNoPointsWhileItsNumbersAreNotThoseOfItsArrays)
     M3dCurveNurbs copy(fitted);
     copy.AccessControlPoints()[0].x += 1.0;
     EXPECT_EQ((copy.GetFirstPoint() - fitted.GetFirstPoint()).Length(), 1.0);
-    for (int change = 0; change < 5; ++change) {
+    constexpr std::uint32_t changes[][2] = {{3, 0}, {20, 12}, {3, 11}, {4, 11}, {3, ~0U}};
+    for (const auto& [order, count] : changes) {
         M3dCurveNurbs curve;
-        if (change > 0)
+        if (count > 0)
             curve = fitted;
-        if (change == 1 || change == 3)
-            curve.SetOrder(change == 1 ? 20 : 4);
-        if (change > 1)
-            curve.SetNumberControlPoints(change == 4 ? 4000000000U : 11);
+        curve.SetOrder(order);
+        curve.SetNumberControlPoints(count);
         Point p(1, 2, 3), v(4, 5, 6), a(7, 8, 9);
         EXPECT_EQ(curve.EvaluateAcceleration(p, v, a, 0.5), M3dCurve::kSuccess);
-        EXPECT_TRUE(p == Point(1, 2, 3) && v == Point(4, 5, 6) && a == Point(7, 8, 9)) << change;
+        EXPECT_TRUE(p == Point(1, 2, 3) && v == Point(4, 5, 6) && a == Point(7, 8, 9)) << count;
         double t = 0.25;
         std::vector<double> parameters{1, 2};
         std::uint32_t i = 9;
-        EXPECT_EQ(curve.ProjectPoint(t, p, 0.0, false), M3dCurve::kFailure);
-        EXPECT_EQ(curve.ProjectPoint(t, p, 0.0, true), M3dCurve::kFailure);
-        EXPECT_EQ(curve.Segment(parameters, 0.1, true), M3dCurve::kFailure);
-        EXPECT_EQ(curve.Segment(parameters, 0.1, false), M3dCurve::kFailure);
+        for (const bool flag : {false, true}) {
+            EXPECT_EQ(curve.ProjectPoint(t, p, 0.0, flag), M3dCurve::kFailure);
+            EXPECT_EQ(curve.Segment(parameters, 0.1, flag), M3dCurve::kFailure);
+        }
         EXPECT_TRUE(t == 0.25 && parameters.size() == 2 && !curve.BeforeKnot(i, 0.5) && i == 0);
         EXPECT_EQ(curve.Distance(p, 0.0), INFINITY);
         EXPECT_EQ(curve.GetKnot(4000000000U), 0.0);
         curve.SetOrder(3);
         curve.SetNumberControlPoints(12);
-        EXPECT_EQ(std::isfinite(curve.Distance(p, 0.0)), change > 0);
+        EXPECT_EQ(std::isfinite(curve.Distance(p, 0.0)), count > 0);
     }
 }
 
@@ -165,23 +166,12 @@ TEST(CurveObject, KnotsAndRangeAreStrict)
     curve.SetNumberControlPoints(5);
     ASSERT_EQ(curve.Fit(Spiral(40, 0.5), false), M3dCurve::kSuccess);
     // Knots 0 0 0 1/3 2/3 1 1 1. The walk ends at knot 5 at the latest.
-    const struct
-    {
-        double t;
-        std::uint32_t i;
-        bool isBefore;
-    } walks[] = {{-1, 0, true},
-                 {0, 0, false},
-                 {0.2, 3, true},
-                 {curve.GetKnot(3), 3, false},
-                 {curve.GetKnot(4), 4, false},
-                 {1, 5, false},
-                 {2, 5, false},
-                 {NAN, 0, false}};
-    for (const auto& walk : walks) {
+    const double walks[] = {-1, 0, 0.2, curve.GetKnot(3), curve.GetKnot(4), 1, 2, NAN};
+    const std::uint32_t ends[] = {0, 0, 3, 3, 4, 5, 5, 0};
+    for (std::size_t k = 0; k < 8; ++k) {
         std::uint32_t i = 77;
-        EXPECT_EQ(curve.BeforeKnot(i, walk.t), walk.isBefore) << walk.t;
-        EXPECT_EQ(i, walk.i) << walk.t;
+        EXPECT_EQ(curve.BeforeKnot(i, walks[k]), k == 0 || k == 2) << walks[k];
+        EXPECT_EQ(i, ends[k]) << walks[k];
     }
     double t = 1.5;
     EXPECT_TRUE(curve._ParameterRangeAdjust(t) && t == 1.0 && !curve._ParameterRangeAdjust(t));
@@ -261,22 +251,19 @@ TEST(Projection, EqualDistancesAndSpikes)
 
 TEST(Projection, StaysOnItsBranchAndCrossesTheSeam)
 {
-    M3dCurveNurbs loop;
+    OpenCurve loop;
     loop.SetOrder(4);
     loop.SetNumberControlPoints(40);
     ASSERT_EQ(loop.Fit(Spiral(200, 1.0), true), M3dCurve::kSuccess);
     EXPECT_LT((At(loop, 0.0) - At(loop, 1.0)).Length(), 1e-14);
     // Two minima, up and down: each keeps to its own, though the upper one is nearer.
     const Point inside(0.2, 0.1, 0.0);
-    const struct
+    for (const auto& [from, low] :
+         {std::pair(0.15, 0.2), {0.3, 0.2}, {0.85, 0.7}, {1.2, 0.2}, {-0.3, 0.7}})
     {
-        double from, low, high;
-    } walks[] = {
-        {0.15, 0.2, 0.3}, {0.3, 0.2, 0.3}, {0.85, 0.7, 0.8}, {1.2, 0.2, 0.3}, {-0.3, 0.7, 0.8}};
-    for (const auto& walk : walks) {
-        double t = walk.from;
+        double t = from;
         EXPECT_EQ(loop.ProjectPoint(t, inside, 0.0, true), M3dCurve::kSuccess);
-        EXPECT_TRUE(t > walk.low && t < walk.high) << walk.from << ' ' << t;
+        EXPECT_TRUE(t > low && t < low + 0.1) << from << ' ' << t;
     }
     for (const auto& [from, y] : {std::pair(0.03, -0.1), std::pair(0.97, 0.1)}) {
         double t = from;
@@ -284,14 +271,20 @@ TEST(Projection, StaysOnItsBranchAndCrossesTheSeam)
         EXPECT_EQ(loop.ProjectPoint(t, {3, y, 0}, 0.0, true), M3dCurve::kSuccess);
         EXPECT_EQ(loop.ProjectPoint(global, {3, y, 0}, 0.0, false), M3dCurve::kSuccess);
         EXPECT_NEAR(t, global, 1e-14);
+        EXPECT_NEAR(loop.FindPlainly({3, y, 0}), global, 1e-14);
         EXPECT_EQ(t > 0.5, y < 0.0);
     }
-    M3dCurveNurbs open;
+    OpenCurve open;
     ASSERT_EQ(open.Fit(Spiral(30, 1.0), false), M3dCurve::kSuccess);
     double t = 0.97;
     EXPECT_EQ(open.ProjectPoint(t, {3, 0.1, 0}, 0.0, true), M3dCurve::kSuccess);
     EXPECT_EQ(t, 1.0);
     EXPECT_EQ(open.ProjectPoint(t, {3, NAN, 0}, 0.0, true), M3dCurve::kFailure);
+    EXPECT_NEAR(open.FindPlainly(At(open, 0.3)), 0.3, 1e-14);
+    std::vector<double> feet;
+    ASSERT_EQ(open.PointsToParameters(feet, {At(open, 0.3), {3, 0.1, 1}}), M3dCurve::kSuccess);
+    EXPECT_NEAR(feet[0], 0.3, 1e-14);
+    EXPECT_LT(feet[1], 0.01);
 }
 
 // Every point between two parameters lies within the tolerance of their chord, and a circle takes
@@ -303,24 +296,22 @@ TEST(Division, ChordsStayWithinTheTolerance)
     for (int i = 0; i < 200; ++i) {
         const RandomCurve record = Regular(random, random.Integer(2, 7), 20, i % 3 == 0);
         const OpenCurve curve = ObjectOf(record.record);
-        const bool keeps = i % 2 == 0;
-        std::vector<double> minimal, parameters;
+        std::vector<double> minimal, t;
         const double tolerance = std::abs(random.LogUniform(1e-4, 1.0));
         ASSERT_EQ(curve._SegmentMinimal(minimal), M3dCurve::kSuccess);
         // Curves that jump have no division.
-        if (curve.Segment(parameters, tolerance, keeps) != M3dCurve::kSuccess)
+        if (curve.Segment(t, tolerance, i % 2 == 0) != M3dCurve::kSuccess)
             continue;
         ++divided;
-        EXPECT_EQ(parameters.front(), curve.GetMinParameter());
-        EXPECT_EQ(parameters.back(), curve.GetMaxParameter());
-        EXPECT_TRUE(!keeps || std::includes(parameters.begin(), parameters.end(), minimal.begin(),
-                                            minimal.end()));
-        for (std::size_t k = 1; k < parameters.size(); ++k) {
-            ASSERT_LT(parameters[k - 1], parameters[k]);
-            const Point a = At(curve, parameters[k - 1]);
-            const Point chord = At(curve, parameters[k]) - a;
+        EXPECT_TRUE(t.front() == curve.GetMinParameter() && t.back() == curve.GetMaxParameter());
+        EXPECT_TRUE(i % 2 != 0 ||
+                    std::includes(t.begin(), t.end(), minimal.begin(), minimal.end()));
+        for (std::size_t k = 1; k < t.size(); ++k) {
+            ASSERT_LT(t[k - 1], t[k]);
+            const Point a = At(curve, t[k - 1]);
+            const Point chord = At(curve, t[k]) - a;
             for (int m = 1; m < 8; ++m) {
-                const Point p = At(curve, std::lerp(parameters[k - 1], parameters[k], m / 8.0)) - a;
+                const Point p = At(curve, std::lerp(t[k - 1], t[k], m / 8.0)) - a;
                 const double share = std::clamp(p.Dot(chord) / chord.LengthSquared(), 0.0, 1.0);
                 EXPECT_LE((p - share * chord).Length(), tolerance + 1e-14);
             }
@@ -332,56 +323,9 @@ TEST(Division, ChordsStayWithinTheTolerance)
         EXPECT_EQ(Circle().Segment(corners, tolerance), M3dCurve::kSuccess);
         EXPECT_LE(static_cast<double>(corners.size() - 1), 8.0 * kPi / std::sqrt(8 * tolerance));
     }
+    EXPECT_NEAR(Circle().DeviatePlainly(0, 1), 1 - std::sqrt(0.5), 1e-14);
     for (const double tolerance : {0.0, -1.0, double{NAN}, 1e-300})
         EXPECT_EQ(Circle().Segment(corners, tolerance), M3dCurve::kFailure);
-}
-
-// A curve of the caller's own gets projection and division from its evaluation.
-class Helix : public M3dCurve
-{
-public:
-    error EvaluatePosition(Point& p, double t) const override
-    {
-        p = {std::cos(9 * t), std::sin(9 * t), t};
-        return kSuccess;
-    }
-    error EvaluateSpeed(Point& p, Point& v, double t) const override
-    {
-        v = {-9 * std::sin(9 * t), 9 * std::cos(9 * t), 1};
-        return EvaluatePosition(p, t);
-    }
-    error EvaluateAcceleration(Point& p, Point& v, Point& a, double t) const override
-    {
-        a = {-81 * std::cos(9 * t), -81 * std::sin(9 * t), 0};
-        return EvaluateSpeed(p, v, t);
-    }
-
-private:
-    error _SegmentMinimal(std::vector<double>& parameters) const override
-    {
-        parameters = {GetMinParameter(), GetMaxParameter()};
-        return kSuccess;
-    }
-    error _Fit(const Points& /*points*/) override
-    {
-        return kFailure;
-    }
-};
-
-TEST(CurveObject, ServesCurvesOfOtherKinds)
-{
-    const Helix helix;
-    std::vector<double> parameters;
-    ASSERT_EQ(
-        helix.PointsToParameters(parameters, {At(helix, 0.3), 3.0 * At(helix, 0.0), {1, 0, 9}}),
-        M3dCurve::kSuccess);
-    EXPECT_NEAR(parameters[0], 0.3, 1e-15);
-    EXPECT_NEAR(parameters[1], 0.0, 1e-15);
-    EXPECT_GT(parameters[2], 0.69);
-    Points corners;
-    EXPECT_EQ(helix.Segment(corners, 1e-3), M3dCurve::kSuccess);
-    EXPECT_GT(corners.size(), 64U);
-    EXPECT_EQ(corners.back(), helix.GetLastPoint());
 }
 
 // Records, ranges, points and ellipses of any kind: every call returns, and soon.
@@ -404,6 +348,11 @@ TEST(CurveObject, AnswersToAnything)
         if (i % 5 == 0)
             curve.SetMaxParameter(n());
         double t = n();
+        NURBSSurf surface{c.record.order, 30, &c.knots[0], 0,           1, 1, 1,
+                          &c.knots[0],    0,  1,           &c.points[0]};
+        Nurbs::Point p[6];
+        EXPECT_EQ(nurbs_curv_eval(2, c.record, t, p) & ~16, 0);
+        EXPECT_EQ(nurbs_surf_eval(2, &surface, {{t, 0.5}}, p) & ~16, 0);
         std::uint32_t knot = 0;
         std::vector<double> parameters;
         // A tolerance that curves of 1e308 cannot have.

@@ -71,29 +71,23 @@ std::array<Nurbs::Point, 3> PlainCurve(const NURBSCurv& c, double t, double& w)
     while (span < c.numControlPoints && !(t < c.knots[span]))
         ++span;
     const auto basis = PlainBasis(t, c.order, c.knots, span);
-    double a[3][4]{};
+    const auto sum = [&](std::size_t d, int i) {
+        double a = 0.0;
+        for (int r = 0; r < c.order; ++r)
+            a += basis[d][static_cast<std::size_t>(r)] *
+                 c.controlPoints[span - c.order + r].coordinates[i];
+        return a;
+    };
+    w = sum(0, 3);
     std::array<Nurbs::Point, 3> p;
-    for (std::size_t d = 0; d < 3; ++d) {
-        for (int r = 0; r < c.order; ++r) {
-            for (int i = 0; i < 4; ++i)
-                a[d][i] += basis[d][static_cast<std::size_t>(r)] *
-                           c.controlPoints[span - c.order + r].coordinates[i];
-        }
-    }
-    w = a[0][3];
     for (int i = 0; i < 3; ++i) {
-        const double c0 = a[0][i] / w;
-        const double c1 = (a[1][i] - a[1][3] * c0) / w;
+        const double c0 = sum(0, i) / w;
+        const double c1 = (sum(1, i) - sum(1, 3) * c0) / w;
         p[0].coordinates[i] = c0;
         p[1].coordinates[i] = c1;
-        p[2].coordinates[i] = (a[2][i] - 2 * a[1][3] * c1 - a[2][3] * c0) / w;
+        p[2].coordinates[i] = (sum(2, i) - 2 * sum(1, 3) * c1 - sum(2, 3) * c0) / w;
     }
     return p;
-}
-
-bool AreSame(double a, double b)
-{
-    return a == b || (a != a && b != b);
 }
 
 TEST(NurbsCurve, HasTheBitsOfTheRecursionWrittenDown)
@@ -126,11 +120,13 @@ TEST(NurbsCurve, HasTheBitsOfTheRecursionWrittenDown)
                 const int status = nurbs_curv_eval(derivatives, c.record, t, p);
                 // A span as short as the guard has no basis, and hence no weight.
                 ASSERT_EQ(status, std::abs(w) <= 1e-11 ? 16 : 0) << order;
-                for (int v = 0; status == 0 && v < 3 * (derivatives + 1); ++v)
-                    ASSERT_TRUE(
-                        AreSame(p[v / 3].coordinates[v % 3],
-                                expected[static_cast<std::size_t>(v / 3)].coordinates[v % 3]))
+                for (int v = 0; status == 0 && v < 3 * (derivatives + 1); ++v) {
+                    const double want =
+                        expected[static_cast<std::size_t>(v / 3)].coordinates[v % 3];
+                    const double have = p[v / 3].coordinates[v % 3];
+                    ASSERT_TRUE(have == want || (have != have && want != want))
                         << order << ' ' << t;
+                }
             }
         }
     }
@@ -157,18 +153,18 @@ TEST(NurbsSurface, AHalfSphereHasItsRadiusAndItsDerivatives)
         ASSERT_EQ(nurbs_surf_eval(2, &surface, at, p), 0);
         EXPECT_NEAR(p[0].x * p[0].x + p[0].y * p[0].y + p[0].z * p[0].z, 1.0, 8 * kEpsilon);
         for (const int d : {0, 1}) {
-            Point2D before = at;
-            Point2D after = at;
-            before.coordinates[d] -= 1e-5;
-            after.coordinates[d] += 1e-5;
-            Nurbs::Point low[3], high[3];
-            nurbs_surf_eval(1, &surface, before, low);
-            nurbs_surf_eval(1, &surface, after, high);
-            for (int i = 0; i < 9; ++i) {
-                const int derivative = i < 3 ? 1 + d : i / 3 + 2 + d;
-                EXPECT_NEAR((high[i / 3].coordinates[i % 3] - low[i / 3].coordinates[i % 3]) / 2e-5,
-                            p[derivative].coordinates[i % 3], 1e-6);
+            Nurbs::Point differences[3]{};
+            for (const double side : {-1.0, 1.0}) {
+                Point2D beside = at;
+                beside.coordinates[d] += side * 1e-5;
+                Nurbs::Point q[3];
+                nurbs_surf_eval(1, &surface, beside, q);
+                for (int i = 0; i < 9; ++i)
+                    differences[i / 3].coordinates[i % 3] += side * q[i / 3].coordinates[i % 3];
             }
+            for (int i = 0; i < 9; ++i)
+                EXPECT_NEAR(differences[i / 3].coordinates[i % 3] / 2e-5,
+                            p[i < 3 ? 1 + d : i / 3 + 2 + d].coordinates[i % 3], 1e-6);
         }
     }
 }
@@ -198,26 +194,6 @@ TEST(Nurbs, RefusesWithoutWritingAndReadsOnlyTheSpan)
     EXPECT_TRUE(surface(1, 4, nullptr) == 11 && curve(3, 4, 7, knots) == 2);
     EXPECT_EQ(bc_eval_b_code_sub(0.0, 4, knots, 3, &p.x, nullptr, nullptr), 11);
     EXPECT_TRUE(p.x == 7 && p.y == 8 && p.z == 9);
-}
-
-// Knots in any order and values of any kind: no read out of bounds, and an answer.
-TEST(Nurbs, AnswersToAnything)
-{
-    Random random(904);
-    const double values[] = {0, 1, -2, NAN, INFINITY, -INFINITY, 1e308, -1e-310, 0.3};
-    for (int i = 0; i < 5000; ++i) {
-        RandomCurve c(random, random.Integer(1, 30), 30);
-        for (int change = 0; change < i % 40; ++change) {
-            c.knots[static_cast<std::size_t>(random.Integer(0, 30))] = values[random.Integer(0, 8)];
-            c.points[static_cast<std::size_t>(i % 30)].w = values[random.Integer(0, 8)];
-        }
-        const double t = values[random.Integer(0, 8)];
-        NURBSSurf surface{c.record.order, 30, &c.knots[0], 0,           1, 1, 1,
-                          &c.knots[0],    0,  1,           &c.points[0]};
-        Nurbs::Point p[6];
-        EXPECT_EQ(nurbs_curv_eval(2, c.record, t, p) & ~16, 0);
-        EXPECT_EQ(nurbs_surf_eval(2, &surface, {{t, 0.5}}, p) & ~16, 0);
-    }
 }
 
 } // namespace
