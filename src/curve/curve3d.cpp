@@ -120,7 +120,9 @@ M3dCurve::error M3dCurve::ProjectPoint(double& t, Point point, double tolerance,
 
 // Down the branch of t, by Newton's method where the squared distance is convex. The places where
 // its derivative was last seen falling and rising hold the minimum between them once both are
-// known. t runs on over the seam of a loop and is brought back at the end. NaN without points.
+// known; a place that is farther from the point though the derivative says to go on lies beyond a
+// hill, and counts as the other side. t runs on over the seam of a loop and
+// is brought back at the end. NaN without points.
 double M3dCurve::_ProjectPoint(double t, const Point& point, double tolerance) const
 {
     std::vector<double> minimal;
@@ -128,8 +130,13 @@ double M3dCurve::_ProjectPoint(double t, const Point& point, double tolerance) c
         return kNan;
     const auto intervals = static_cast<double>(std::max<std::size_t>(minimal.size() - 1, 1));
     const double reach = (_maxParameter - _minParameter) / (4.0 * intervals);
+    // Near the minimum rounding may raise the squared distance by this.
+    constexpr double kNoise = 1e-9;
     double falling = -std::numeric_limits<double>::infinity();
     double rising = std::numeric_limits<double>::infinity();
+    // The nearest place so far.
+    double last = t;
+    double lastSquared = std::numeric_limits<double>::infinity();
     for (std::size_t step = 0; step < 100 + 8 * minimal.size(); ++step) {
         Point position(kNan, kNan, kNan);
         Point speed;
@@ -142,9 +149,15 @@ double M3dCurve::_ProjectPoint(double t, const Point& point, double tolerance) c
             return kNan;
         if (first == 0.0)
             break;
-        (first < 0.0 ? falling : rising) = t;
+        const bool isFarther = away.LengthSquared() > (1.0 + kNoise) * lastSquared;
+        const bool isBeyondHill = isFarther && (first > 0.0) != (t > last);
+        ((first > 0.0) != isBeyondHill ? rising : falling) = t;
+        if (!isFarther) {
+            last = t;
+            lastSquared = away.LengthSquared();
+        }
         const double newton = second > 0.0 ? -first / second : std::copysign(reach, -first);
-        double next = t + std::clamp(newton, -reach, reach);
+        double next = isBeyondHill ? t : t + std::clamp(newton, -reach, reach);
         if (!(next > falling && next < rising) && std::isfinite(rising - falling))
             next = falling + (rising - falling) / 2.0;
         _ParameterRangeAdjust(next);
