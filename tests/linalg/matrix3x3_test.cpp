@@ -203,7 +203,8 @@ TEST(NearestOrthonormal, IsThePolarFactorAtEveryScaleAndSpectrum)
             // The result may be the matrix.
             r = Matrix(a);
             ASSERT_TRUE(r.NearestOrthonormal(r)) << scale << ' ' << values.transpose();
-            EXPECT_LT(Error(ToEigen(r).transpose() * ToEigen(r)), 1e-12);
+            const Matrix3d off = ToEigen(r).transpose() * ToEigen(r) - Matrix3d::Identity();
+            EXPECT_LT(off.cwiseAbs().maxCoeff(), 1e-12);
             const bool isFlat = values[2] == 0.0;
             EXPECT_LT((ToEigen(r) - PolarFactor(a, isFlat)).norm(), isFlat ? 1e-12 : 1e-9)
                 << scale << ' ' << values.transpose();
