@@ -10,7 +10,9 @@
 ///
 /// A fit makes a B-spline of weights 1 over the parameters 0 to 1 by `spd_create_curve`. A curve
 /// of any other kind is made by hand: `SetOrder`, `SetNumberControlPoints`, `InitNURBSCurv`, then
-/// knots and control points through `AccessKnots` and `AccessControlPoints`.
+/// knots and control points through `AccessKnots` and `AccessControlPoints`. Knot n - 1 has to lie
+/// before knot n for n control points: the curve has no point at its end otherwise, and a division
+/// up to there fails.
 ///
 /// **Arrays and numbers.** `SetOrder` and `SetNumberControlPoints` say what the next fit is to use
 /// and do not touch the arrays. While the numbers differ from those of the arrays, and before there
