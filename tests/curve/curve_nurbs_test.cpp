@@ -287,6 +287,25 @@ TEST(Projection, StaysOnItsBranchAndCrossesTheSeam)
     EXPECT_LT(feet[1], 0.01);
 }
 
+TEST(Projection, EndsNoFartherThanItBeganOnUnevenKnots)
+{
+    Random random(812);
+    for (int round = 0; round < 2000; ++round) {
+        RandomCurve uneven(random, 4, 12);
+        double knot = 0.0;
+        for (double& k : uneven.knots)
+            k = knot += std::abs(random.LogUniform(1e-4, 10.0));
+        uneven.record.startParameter = uneven.knots[3];
+        uneven.record.endParameter = uneven.knots[12];
+        const OpenCurve curve = ObjectOf(uneven.record);
+        const Point p = random.Point(1.0);
+        double t = random.Uniform(curve.GetMinParameter(), curve.GetMaxParameter());
+        const double before = (At(curve, t) - p).Length();
+        EXPECT_EQ(curve.ProjectPoint(t, p, 0.0, true), M3dCurve::kSuccess);
+        EXPECT_LE((At(curve, t) - p).Length(), before * (1.0 + 1e-12)) << round;
+    }
+}
+
 // Every point between two parameters lies within the tolerance of their chord, and a circle takes
 // no more than twice the chords that it needs.
 TEST(Division, ChordsStayWithinTheTolerance)
