@@ -51,7 +51,8 @@ void HashGeneralMatrices(Hash& hash, Numbers& numbers, int round)
 void HashSymmetricMatrices(Hash& hash, Numbers& numbers, int round)
 {
     const unsigned int n = 1 + static_cast<unsigned int>(round) % 40;
-    MSymmetricMatrix matrix = Packed(numbers.Fill(std::vector<double>(std::size_t{n} * n), 1.0), n);
+    const auto elements = numbers.Fill(std::vector<double>(std::size_t{n} * n), 1.0);
+    MSymmetricMatrix matrix = Packed(Eigen::Map<const RowMajor>(elements.data(), n, n));
     std::vector<double> values;
     MGeneralMatrix vectors;
     hash << matrix.CalculateEigenVectors(values, vectors) << values << RowByRow(vectors);
