@@ -254,7 +254,7 @@ void M3dBorder<Coord, Payload, Contour>::MergeToOnlyOuterContours()
     SetOrders(*this, nesting);
     SetOuterFlags(*this);
     _PutInOrder(SortedPositions(collected.rings, nesting));
-    _JoinHoles(nesting.isPlain);
+    _JoinHoles(MakeBridgeTest(*this, collected.rings, nesting));
 }
 
 // Edges that cross leave the exact way closed: the holes are made part of their outer contours and
@@ -277,7 +277,7 @@ bool M3dBorder<Coord, Payload, Contour>::FillWithTriangles(std::int32_t& count,
         SetOuterFlags(merged);
         merged._PutInOrder(SortedPositions(collected.rings, nesting));
         merged.AdjustTurningSenseToOuterContourParameter();
-        merged._JoinHoles(nesting.isPlain);
+        merged._JoinHoles(MakeBridgeTest(merged, collected.rings, nesting));
         const auto outlines = CollectRings(merged);
         triangles = ClipContours(outlines);
         outlines.Fill(triangles, payloads);
@@ -330,15 +330,10 @@ void M3dBorder<Coord, Payload, Contour>::_PutInOrder(const std::vector<std::size
         AddContourAtEnd(contours[position].release());
 }
 
-// The triangles between an outer contour and its holes do not know what else may reach in there.
 template <class Coord, class Payload, class Contour>
-void M3dBorder<Coord, Payload, Contour>::_JoinHoles(bool isPlain)
+void M3dBorder<Coord, Payload, Contour>::_JoinHoles(const BridgeTest& isFree)
 {
     using namespace Norvek::Math::Core;
-    const ConnectionTest test(*this);
-    const auto isFree = [&](const PointType& p, const PointType& q) {
-        return isPlain || !test.DoesMeet(p, q, {true, true});
-    };
     for (Contour* outer = _firstContour; outer != nullptr; outer = outer->GetNextContour()) {
         std::vector<Contour*> holes;
         for (Contour* hole = outer->GetNextContour(); hole != nullptr && !hole->GetIsOuterContour();

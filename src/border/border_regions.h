@@ -262,6 +262,31 @@ private:
     int _exponent;
 };
 
+/// Tells whether bridges between an outer contour and its holes meet what reaches into that region
+/// from elsewhere: strays or, where rings cross or overlap in part, anything.
+template <class Border>
+auto MakeBridgeTest(const Border& border, const RingPoints& rings, const Nesting& nesting)
+{
+    using Point = typename Border::PointType;
+    return [all = ConnectionTest(border), &rings, &nesting](const Point& p, const Point& q) {
+        constexpr ConnectionRule kRule{true, true};
+        if (!nesting.isLaminar)
+            return !all.DoesMeet(p, q, kRule);
+        const PlanePoint from = PlaceOf(p, rings.exponent);
+        const PlanePoint to = PlaceOf(q, rings.exponent);
+        return std::none_of(
+            nesting.strays.begin(), nesting.strays.end(), [&](const std::uint32_t ring) {
+                const auto places = rings.Ring(ring);
+                for (std::size_t i = 0; i < places.size(); ++i) {
+                    const PlanePoint& next = places[i + 1 == places.size() ? 0 : i + 1];
+                    if (DoesConnectionMeet(from, to, places[i], next, kRule))
+                        return true;
+                }
+                return false;
+            });
+    };
+}
+
 /// Makes holes part of the outer contour around them, takes them out of `holes` and returns them.
 /// None are when edges cross or when `isFree(p, q)` is false for one of the bridges.
 template <class Contour, class Predicate>

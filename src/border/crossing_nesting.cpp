@@ -143,7 +143,7 @@ Nesting FindNestingOfCrossing(const RingPoints& rings, CrossingRule rule)
     Nesting nesting;
     nesting.parents.assign(numRings, kNone);
     nesting.orders.assign(numRings, 0);
-    nesting.isPlain = false;
+    nesting.isLaminar = false;
     for (std::uint32_t ring = 0; ring < numRings; ++ring) {
         std::uint32_t& parent = nesting.parents[ring];
         for (const std::uint32_t candidate : around[ring]) {

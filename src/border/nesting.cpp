@@ -70,14 +70,12 @@ public:
         return true;
     }
 
-    // Whether all rings have area, empty ones aside.
-    [[nodiscard]] bool HaveAllBegun(const RingPoints& rings) const
+    void ListStrays(const RingPoints& rings)
     {
-        for (std::size_t ring = 0; ring < rings.NumRings(); ++ring) {
-            if (!rings.Ring(ring).empty() && !_rings[ring].hasBegun)
-                return false;
+        for (std::uint32_t ring = 0; ring < rings.NumRings(); ++ring) {
+            if (!rings.Ring(ring).empty() && (_rings[ring].isFolded || !_rings[ring].hasBegun))
+                _nesting.strays.push_back(ring);
         }
-        return true;
     }
 
 private:
@@ -87,6 +85,7 @@ private:
         std::uint32_t seenAt = kNone;
         bool isInside = false;
         bool hasBegun = false;
+        bool isFolded = false;
         // Where an edge of the ring was kept last.
         std::size_t keptAt = 0;
         std::uint32_t nextFlat = kNone;
@@ -115,7 +114,7 @@ private:
             _kept.push_back(edge);
             return;
         }
-        _nesting.isPlain = false;
+        _rings[added.ring].isFolded = true;
         SweepEdge& shorter = _graph.edges[_kept[keptAt]];
         shorter.isAlive = false;
         if (added.right == shorter.right)
@@ -217,7 +216,7 @@ std::optional<Nesting> SweepNesting(const RingPoints& rings)
     NestingJob job(graph, rings, nesting);
     if (!PlaneSweep(graph, job).Run())
         return std::nullopt;
-    nesting.isPlain = nesting.isPlain && job.HaveAllBegun(rings);
+    job.ListStrays(rings);
     return nesting;
 }
 

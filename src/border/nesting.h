@@ -16,10 +16,11 @@ struct Nesting
     std::vector<std::uint32_t> parents;
     /// The number of rings around each ring.
     std::vector<std::uint32_t> orders;
-    /// Whether every two rings lie in each other or apart, no edges cross, no ring has edges on top
-    /// of each other, which may reach into regions that are not around it, and none is a single
-    /// place.
-    bool isPlain = true;
+    /// Whether every two rings lie in each other or apart and no edges cross.
+    bool isLaminar = true;
+    /// If so, the rings that have edges on top of each other or no area, in ascending order: these
+    /// may reach into regions that are not around them.
+    std::vector<std::uint32_t> strays;
 };
 
 /// A ring lies in another one when the region within it does, rims that touch or coincide included;

@@ -5,6 +5,7 @@
 
 #include <boost/range/iterator_range.hpp>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -123,14 +124,14 @@ public:
 
     /// Joins every hole to the outer contour around it by a bridge that is walked there and back,
     /// between vertices whose connection meets nothing else, so that only outer contours are left.
-    /// The bridges are short: of the diagonals of a triangulation those that make the shortest tree.
-    /// The sum of the signed areas stays. Outer flags and orders are determined first; the outer
-    /// contours come in descending order of area. Where contours cross and no such vertices are
-    /// left, the bridge crosses edges.
+    /// The bridges are short: of the diagonals of a triangulation those that make the shortest
+    /// tree. The sum of the signed areas stays. Outer flags and orders are determined first; the
+    /// outer contours come in descending order of area. Where contours cross and no such vertices
+    /// are left, the bridge crosses edges.
     ///
-    /// Holes that turn against their outer contour, see `AdjustTurningSenseToOuterContourParameter`,
-    /// leave outlines that touch themselves but do not pass through themselves, as long as no
-    /// contour does.
+    /// Holes that turn against their outer contour, see
+    /// `AdjustTurningSenseToOuterContourParameter`, leave outlines that touch themselves but do not
+    /// pass through themselves, as long as no contour does.
     ///
     /// O(n log n) in the points; where contours cross, overlap in part, have edges on top of each
     /// other or no area, up to the number of holes times the points.
@@ -272,8 +273,11 @@ private:
     // Puts the contours in the order of the positions; each stands there once.
     void _PutInOrder(const std::vector<std::size_t>& positions);
 
+    // Whether a bridge between two points may be built.
+    using BridgeTest = std::function<bool(const PointType& p, const PointType& q)>;
+
     // Makes every hole part of the outer contour that stands before it.
-    void _JoinHoles(bool isPlain);
+    void _JoinHoles(const BridgeTest& isFree);
 
     Contour* _firstContour = nullptr;
     Contour* _lastContour = nullptr;
