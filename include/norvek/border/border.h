@@ -133,8 +133,8 @@ public:
     /// `AdjustTurningSenseToOuterContourParameter`, leave outlines that touch themselves but do not
     /// pass through themselves, as long as no contour does.
     ///
-    /// O(n log n) in the points; where contours cross, overlap in part, have edges on top of each
-    /// other or no area, up to the number of holes times the points.
+    /// O(n log n) in the points; where contours cross or overlap in part, up to the number of holes
+    /// times the points.
     void MergeToOnlyOuterContours();
 
     /// The contours from the first to the last.
