@@ -2,8 +2,9 @@
 
 #include <norvek/transform/transform_matrix.h>
 
-#include <Eigen/Core>
+#include <Eigen/Geometry>
 
+#include <numbers>
 #include <vector>
 
 namespace norvek_test
@@ -48,6 +49,18 @@ inline double InverseError(const MMTransformMatrix& matrix)
 {
     const Matrix4 product = Elements(matrix) * Elements(matrix, true);
     return Difference<Matrix4>(product, Matrix4::Identity());
+}
+
+inline Eigen::Vector3d ToEigen(const MMPoint3d<double>& p)
+{
+    return {p.x, p.y, p.z};
+}
+
+/// About a coordinate axis, counter-clockwise seen from its end.
+inline Eigen::Matrix3d Turn(double degrees, int axis)
+{
+    const double radians = degrees * std::numbers::pi / 180.0;
+    return Eigen::AngleAxisd(radians, Eigen::Vector3d::Unit(axis)).toRotationMatrix();
 }
 
 inline double Distance(const MMPoint3d<double>& a, const MMPoint3d<double>& b)

@@ -3,7 +3,6 @@
 
 #include <norvek/transform/ortho_transform.h>
 
-#include <Eigen/Geometry>
 #include <gtest/gtest.h>
 
 namespace
@@ -12,11 +11,6 @@ namespace
 using namespace norvek_test;
 using Point = MMPoint3d<double>;
 using Values = std::vector<double>;
-
-Eigen::Vector3d ToEigen(const Point& p)
-{
-    return {p.x, p.y, p.z};
-}
 
 // From the rows of [R | t], and those rows.
 MMOrthoTransform From(const Values& elements)
@@ -32,15 +26,6 @@ Values ValuesOf(const MMOrthoTransform& transform)
     for (unsigned short i = 0; i < 12; ++i)
         values.push_back(transform.GetElement(i / 4, i % 4));
     return values;
-}
-
-void ExpectSame(const MMOrthoTransform& transform, const Eigen::Isometry3d& expected, Point p)
-{
-    Point q;
-    transform.Transform(q, p);
-    EXPECT_LT((ToEigen(q) - expected * ToEigen(p)).norm(), 1e-12);
-    transform.InverseTransform(q, q);
-    EXPECT_LT(Distance(q, p), 1e-12);
 }
 
 TEST(OrthoTransform, MovesLikeTheSameIsometry)
@@ -62,31 +47,33 @@ TEST(OrthoTransform, MovesLikeTheSameIsometry)
         EXPECT_TRUE(a.Verify() && a == b);
         b.Translate(offset);
         a.Concatenate(b);
-        const Eigen::Isometry3d moved = Eigen::Translation3d(ToEigen(offset)) * turn * turn;
-        ExpectSame(a, moved, center);
         a.Concatenate(a);
-        ExpectSame(a, moved * moved, center);
-        // Many points at a time get the bits of one.
+        const Eigen::Isometry3d moved = Eigen::Translation3d(ToEigen(offset)) * turn * turn;
         Point image;
-        a.Transform(image, offset);
-        std::vector<Point> points(11, offset);
+        a.Transform(image, center);
+        EXPECT_LT((ToEigen(image) - moved * moved * ToEigen(center)).norm(), 1e-12);
+        // Many points at a time get the bits of one.
+        std::vector<Point> points(11, center);
         a.Transform(points);
         EXPECT_EQ(points, std::vector<Point>(11, image));
+        a.InverseTransform(image, image);
+        EXPECT_LT(Distance(image, center), 1e-12);
     }
 }
 
 TEST(OrthoTransform, KeepsWhatItIsGivenAndDoesNotTurnWithoutAnAxis)
 {
     const Values elements = {1, 2, 3, 10, 4, 5, 6, 11, 7, 8, 9, 12};
-    MMOrthoTransform a;
-    a.MakeTransformation({10, 11, 12}, {1, 2, 3}, {4, 5, 6}, {7, 8, 9});
+    MMOrthoTransform a = From(elements);
     a.MakeRotation({1, 1, 1}, Point(), 1.0, true);
     a.MakeRotation({1, 1, 1}, {0, 0, NAN}, 1.0, true);
-    EXPECT_TRUE(ValuesOf(a) == elements && ValuesOf(From(elements)) == elements);
+    EXPECT_EQ(ValuesOf(a), elements);
     // A translation is a product, in which zero times infinity has its say.
     a.Translation()[0] = INFINITY;
     a.Translate({1, 1, 1});
     EXPECT_TRUE(a.GetElement(0, 3) == INFINITY && std::isnan(a.GetElement(1, 3)));
+    a.MakeIdentity();
+    EXPECT_EQ(ValuesOf(a), ValuesOf(MMOrthoTransform()));
 }
 
 TEST(OrthoTransform, BoundsPassOrFailAsStated)
@@ -97,16 +84,14 @@ TEST(OrthoTransform, BoundsPassOrFailAsStated)
     };
     EXPECT_TRUE(verify(0.0, -1.0) && verify(1.1102230246251565e-12, 1.0));
     EXPECT_FALSE(verify(1.1102230246251567e-12, 1.0) || verify(0.0, 1.0 + 1e-11));
-    const MMOrthoTransform identity;
+    const double turn = 1.4901161193847656e-07;
     for (std::size_t i = 0; i < 12; ++i) {
-        const double limit = i % 4 == 3 ? 1.4901161193847656e-06 : 1.4901161193847656e-07;
+        const double limit = i % 4 == 3 ? 10.0 * turn : turn;
         for (const double difference : {-0.99 * limit, limit, double(NAN)}) {
-            Values e = ValuesOf(identity);
+            Values e = ValuesOf(MMOrthoTransform());
             e[i] += difference;
-            EXPECT_EQ(From(e) == identity, difference < 0.0) << i;
-            EXPECT_EQ(From(e).IsSmall(1.4901161193847656e-07, 1.4901161193847656e-06),
-                      difference < 0.0)
-                << i;
+            EXPECT_EQ(From(e) == MMOrthoTransform(), difference < 0.0) << i;
+            EXPECT_EQ(From(e).IsSmall(turn, 10.0 * turn), difference < 0.0) << i;
         }
     }
 }

@@ -1,41 +1,26 @@
+#include "support/probe_transform.h"
+
 #include <norvek/bounds/bounding_box.h>
 #include <norvek/transform/transform_exception.h>
-#include <norvek/transform/transform_identity.h>
 #include <norvek/transform/transform_matrix.h>
 
 #include <gtest/gtest.h>
 
+#include <array>
 #include <limits>
-#include <memory>
 
 namespace
 {
 
+using Probe = norvek_test::ProbeTransform;
 using Point = MMPoint3d<double>;
 using Points = std::vector<Point>;
-
-// Moves positions by (1, 2, 3) and fails for x = 13; backwards it then leaves a trace in `out`.
-class Shift : public MMTransformIdentity
-{
-protected:
-    bool _Transform(Point& out, const Point& in, bool isDirection) const override
-    {
-        if (in.x != 13.0)
-            out = isDirection ? in : in + Point(1.0, 2.0, 3.0);
-        return in.x != 13.0;
-    }
-    bool _InverseTransform(Point& out, const Point& in, bool isDirection) const override
-    {
-        out = isDirection ? in : in - Point(1.0, 2.0, 3.0);
-        return in.x != 13.0;
-    }
-};
 
 // Every form, there and back again.
 template <class T>
 void ExpectAllForms(bool d, const MMPoint3d<T>& in, const MMPoint3d<T>& image)
 {
-    const Shift s;
+    const Probe s(7);
     MMPoint3d<T> p;
     MMPoint3d<T> q = in;
     T a[4][3] = {{in.x, in.y, in.z}, {}, {}, {in.x, in.y, in.z}};
@@ -53,40 +38,36 @@ void ExpectAllForms(bool d, const MMPoint3d<T>& in, const MMPoint3d<T>& image)
 
 TEST(Transform, ConvertingFormsAgreeAndWriteWhateverTheVerdict)
 {
-    ExpectAllForms<float>(false, {4, 5, 6}, {5, 7, 9});
-    ExpectAllForms<double>(false, {4, 5, 6}, {5, 7, 9});
-    ExpectAllForms<double>(true, {4, 5, 6}, {4, 5, 6});
-    const Shift shift;
-    double wide[3] = {13.0, 1.0, 1.0};
-    EXPECT_FALSE(shift.InverseTransform(wide, false));
-    EXPECT_EQ(Point(wide[0], wide[1], wide[2]), Point(12.0, -1.0, -2.0));
-    MMPoint3d<float> narrow(13.0F, 1.0F, 1.0F);
-    EXPECT_FALSE(shift.Transform(narrow, false));
-    EXPECT_EQ(narrow, MMPoint3d<float>());
+    ExpectAllForms<float>(false, {4, 5, 6}, {5, 13, 4});
+    ExpectAllForms<double>(false, {4, 5, 6}, {5, 13, 4});
+    ExpectAllForms<double>(true, {4, 5, 6}, {5, 6, 4});
+    const Probe probe(7);
+    std::array<double, 3> wide{13.0, 1.0, 1.0};
+    EXPECT_FALSE(probe.InverseTransform(wide.data(), false));
+    EXPECT_EQ(wide, (std::array{1.0, 13.0, -6.0}));
+    EXPECT_FALSE(probe.Transform(wide.data(), 13.0, 1.0, 1.0, false));
+    EXPECT_EQ(wide, (std::array<double, 3>{}));
     // The two forms on points in double forward, so nothing is zeroed.
-    Point in(13.0, 1.0, 2.0);
-    Point out(9.0, 9.0, 9.0);
-    EXPECT_FALSE(shift.Transform(in, false) || shift.Transform(out, in, false));
-    EXPECT_TRUE(in == Point(13.0, 1.0, 2.0) && out == Point(9.0, 9.0, 9.0));
+    Point point(13.0, 1.0, 2.0);
+    EXPECT_FALSE(probe.Transform(point, false) || probe.Transform(point, point, false));
+    EXPECT_EQ(point, Point(13.0, 1.0, 2.0));
     double matrix[16];
-    EXPECT_TRUE(shift.MMTransform::ConvertToDouble16(matrix) && matrix[15] == 1.0);
+    EXPECT_TRUE(probe.MMTransform::ConvertToDouble16(matrix) && matrix[15] == 1.0);
 }
 
 TEST(Transform, VectorsStopOrGoOnAtAFailureAndTheOperatorThrows)
 {
-    const std::unique_ptr<MMTransform> shift = std::make_unique<Shift>();
+    Probe probe(7);
     const Points in = {{1, 1, 1}, {13, 1, 1}, {2, 2, 2}};
-    Points out = {{5, 5, 5}, {6, 6, 6}};
-    EXPECT_FALSE(shift->Transform(out, in));
-    EXPECT_EQ(out, (Points{{2, 3, 4}, {6, 6, 6}, {0, 0, 0}}));
-    Points points = in;
-    EXPECT_TRUE(shift->Transform(points));
-    EXPECT_EQ(points, (Points{{2, 3, 4}, {13, 1, 1}, {3, 4, 5}}));
-    EXPECT_TRUE(shift->Transform(points, {}) && points.empty() && shift->Transform(points));
-
-    EXPECT_EQ((*shift)(MMPoint3d<float>(1, 1, 1), false), MMPoint3d<float>(2, 3, 4));
+    Points points = {{5, 5, 5}, {6, 6, 6}};
+    EXPECT_FALSE(probe.Transform(points, in));
+    EXPECT_EQ(points, (Points{{1, 8, 1}, {6, 6, 6}, {0, 0, 0}}));
+    points = in;
+    EXPECT_TRUE(probe.Transform(points));
+    EXPECT_EQ(points, (Points{{1, 8, 1}, {13, 1, 1}, {2, 9, 2}}));
+    EXPECT_EQ(probe(MMPoint3d<float>(1, 1, 1), false), MMPoint3d<float>(1, 8, 1));
     try {
-        (*shift)(in[1], true);
+        probe(in[1], true);
         FAIL();
     } catch (const MMTransformException& exception) {
         EXPECT_EQ(exception.GetKind(), MMTransformException::TransformFailed);
@@ -108,13 +89,12 @@ TEST(Transform, BoxIsThatOfTheTransformedCorners)
     EXPECT_NEAR(box.maxY, 1.41421F, 1e-5F);
 
     // A NaN coordinate takes no part; a failing corner leaves the box alone.
-    const float maxY = box.maxY;
     box.minX = box.maxX = std::numeric_limits<float>::quiet_NaN();
     EXPECT_TRUE(MMTransformIdentity().TransformBoundingBox(box));
-    EXPECT_TRUE(box.maxX == -std::numeric_limits<float>::max() && box.maxY == maxY);
+    EXPECT_EQ(box.maxX, -std::numeric_limits<float>::max());
     box.maxX = 13.0F;
-    EXPECT_FALSE(Shift().TransformBoundingBox(box));
-    EXPECT_TRUE(box.maxX == 13.0F && box.maxY == maxY);
+    EXPECT_FALSE(Probe(7).TransformBoundingBox(box));
+    EXPECT_TRUE(box.maxX == 13.0F && box.minZ == 3.0F);
 }
 
 } // namespace
