@@ -20,7 +20,7 @@ bool IsIn(wchar_t letter, const Code& letters)
 // where a terminator takes the place of a letter.
 std::set<Code> AllCodes()
 {
-    const Code alphabet(L"APLRTBXaplrtbxQ", 16);
+    const Code alphabet = Code(L"APLRTBXaplrtbxQ") + L'\0';
     std::set<Code> codes;
     for (std::size_t i = 0; i < 16 * 16 * 16; ++i)
         codes.insert({alphabet[i / 256], alphabet[i / 16 % 16], alphabet[i % 16]});
