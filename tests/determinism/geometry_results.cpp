@@ -173,6 +173,23 @@ void HashBorders(Hash& hash, Numbers& numbers, int /*round*/)
             hash << value.parameter << value.point;
     for (const MMPoint3d<double>& point : p)
         hash << merged.CalculatePosition(point.x, point.y);
+
+    // A star with nine holes, of which none cross.
+    M3dBorder<double, void*> plate;
+    for (int ring = 0; ring < 10; ++ring) {
+        auto* const contour = plate.AddContourAtEnd();
+        const double sides[] = {4, 3, 0, -3, -4, -3, 0, 3, 4, 3};
+        const double x = ring == 0 ? 0 : 8 * (ring % 3 - 1);
+        const double y = ring == 0 ? 0 : 8 * ((ring - 1) / 3 - 1);
+        const auto radii = numbers.Points<8>(1.0);
+        for (std::size_t k = 0; k < 8; ++k) {
+            const double radius = (ring == 0 ? 10.0 : 0.3) * (2.0 + radii[k].x);
+            contour->InsertAtEnd(x + radius * sides[k], y + radius * sides[k + 2], nullptr);
+        }
+    }
+    plate.MergeToOnlyOuterContours();
+    for (const auto& point : *plate.GetFirstContour())
+        hash << point.x << point.y;
 }
 
 // Outlines that grow, with questions at every point.
