@@ -334,6 +334,12 @@ template <class Coord, class Payload, class Contour>
 void M3dBorder<Coord, Payload, Contour>::_JoinHoles(const BridgeTest& isFree)
 {
     using namespace Norvek::Math::Core;
+    // The pool seeks freed points among all: none are freed while points are still added.
+    std::vector<std::unique_ptr<Contour>> joined;
+    joined.reserve(_numContours);
+    const auto discard = [&](Contour* hole) {
+        joined.push_back(RemoveContour(hole));
+    };
     for (Contour* outer = _firstContour; outer != nullptr; outer = outer->GetNextContour()) {
         std::vector<Contour*> holes;
         for (Contour* hole = outer->GetNextContour(); hole != nullptr && !hole->GetIsOuterContour();
@@ -341,17 +347,23 @@ void M3dBorder<Coord, Payload, Contour>::_JoinHoles(const BridgeTest& isFree)
             holes.push_back(hole);
         if (holes.empty())
             continue;
-        for (Contour* const hole : JoinAlongDiagonals(*outer, holes, isFree))
-            RemoveContour(hole);
+        JoinAlongDiagonals(*outer, holes, isFree, discard);
         // From left to right: the left end of each hole that is left mostly sees the outer contour,
-        // or a hole that is part of it already.
+        // or a hole that is part of it already. One that does not may see a later one.
         std::stable_sort(holes.begin(), holes.end(), [](Contour* a, Contour* b) {
             return IsLefter(*LeftmostPoint(*a), *LeftmostPoint(*b));
         });
-        for (Contour* const hole : holes) {
-            if (!_TryToConnectContours(outer, hole))
-                outer->ConnectWith(outer->GetFirstPoint(), hole);
-            RemoveContour(hole);
+        for (const bool mayCross : {false, true}) {
+            std::erase_if(holes, [&](Contour* hole) {
+                bool isJoined = _TryToConnectContours(outer, hole);
+                if (!isJoined && mayCross) {
+                    outer->ConnectWith(outer->GetFirstPoint(), hole);
+                    isJoined = true;
+                }
+                if (isJoined)
+                    discard(hole);
+                return isJoined;
+            });
         }
     }
 }
@@ -362,19 +374,32 @@ bool M3dBorder<Coord, Payload, Contour>::_TryToConnectContours(Contour* outer, C
     if (outer->GetFirstPoint() == nullptr || hole->GetFirstPoint() == nullptr)
         return false;
     using namespace Norvek::Math::Core;
-    auto* const leftmost = LeftmostPoint(*hole);
+    // Keeps holes that see nothing from taking more than a multiple of the border's points.
+    constexpr std::size_t kMostTries = 1000;
+    std::vector<PointType*> points;
+    points.reserve(hole->GetNumPoints());
+    for (PointType& point : *hole)
+        points.push_back(&point);
+    std::stable_sort(points.begin(), points.end(),
+                     [](PointType* a, PointType* b) { return IsLefter(*a, *b); });
     const ConnectionTest test(*this);
-    // A hole that leans against an edge may see no point but along that edge. Open contours have
-    // been nested as closed ones, so their closing edges count.
-    for (const ConnectionRule rule : {ConnectionRule{true, false}, ConnectionRule{true, true}}) {
-        auto heap = HeapByDistance(*outer, *leftmost, test.Exponent());
-        for (; !heap.empty(); heap.pop_back()) {
-            std::pop_heap(heap.begin(), heap.end(), std::greater<>());
-            auto* const nearest = heap.back().point;
-            if (!test.DoesMeet(*leftmost, *nearest, rule)) {
-                hole->SetFirstPointAt(leftmost);
-                outer->ConnectWith(nearest, hole);
-                return true;
+    std::size_t numTries = 0;
+    for (PointType* const point : points) {
+        if (numTries > kMostTries)
+            break;
+        // A hole that leans against an edge may see no point but along that edge. Open contours
+        // have been nested as closed ones, so their closing edges count.
+        for (const ConnectionRule rule : {ConnectionRule{true, false}, ConnectionRule{true, true}})
+        {
+            auto heap = HeapByDistance(*outer, *point, test.Exponent());
+            for (; !heap.empty(); heap.pop_back(), ++numTries) {
+                std::pop_heap(heap.begin(), heap.end(), std::greater<>());
+                PointType* const nearest = heap.back().point;
+                if (!test.DoesMeet(*point, *nearest, rule)) {
+                    hole->SetFirstPointAt(point);
+                    outer->ConnectWith(nearest, hole);
+                    return true;
+                }
             }
         }
     }

@@ -287,11 +287,12 @@ auto MakeBridgeTest(const Border& border, const RingPoints& rings, const Nesting
     };
 }
 
-/// Makes holes part of the outer contour around them, takes them out of `holes` and returns them.
-/// None are when edges cross or when `isFree(p, q)` is false for one of the bridges.
-template <class Contour, class Predicate>
-std::vector<Contour*> JoinAlongDiagonals(Contour& outer, std::vector<Contour*>& holes,
-                                         const Predicate& isFree)
+/// Makes holes part of the outer contour around them, takes them out of `holes` and hands each to
+/// `discard(hole)` at once, so that running out of memory leaves none twice. None are when edges
+/// cross or when `isFree(p, q)` is false for one of the bridges.
+template <class Contour, class Predicate, class Discard>
+void JoinAlongDiagonals(Contour& outer, std::vector<Contour*>& holes, const Predicate& isFree,
+                        const Discard& discard)
 {
     CollectedRings<typename Contour::PointType> collected;
     std::vector<typename Contour::PointType*> nodes;
@@ -308,19 +309,18 @@ std::vector<Contour*> JoinAlongDiagonals(Contour& outer, std::vector<Contour*>& 
     auto& points = collected.points;
     for (const Bridge& bridge : bridges) {
         if (!isFree(*points[bridge.from], *points[bridge.to]))
-            return {};
+            return;
         points.push_back(points[bridge.from]);
         points.push_back(points[bridge.to]);
     }
     const auto& starts = collected.rings.starts;
-    std::vector<Contour*> joined;
-    joined.reserve(bridges.size());
+    nodes.reserve(points.size());
     for (const Bridge& bridge : bridges) {
-        joined.push_back(std::exchange(holes[bridge.ring - 1], nullptr));
-        Contour& hole = *joined.back();
         auto* const end = nodes[bridge.to];
-        hole.SetFirstPointAt(nodes[bridge.from]);
-        outer.ConnectWith(end, &hole);
+        Contour* const hole = std::exchange(holes[bridge.ring - 1], nullptr);
+        hole->SetFirstPointAt(nodes[bridge.from]);
+        outer.ConnectWith(end, hole);
+        discard(hole);
         // The points of the hole are now those of the outline.
         auto* copy = end->next;
         const std::uint32_t size = starts[bridge.ring + 1] - starts[bridge.ring];
@@ -333,7 +333,6 @@ std::vector<Contour*> JoinAlongDiagonals(Contour& outer, std::vector<Contour*>& 
         nodes.push_back(copy->next);
     }
     std::erase(holes, nullptr);
-    return joined;
 }
 
 /// Triangulates by cutting corners off each contour in turn.

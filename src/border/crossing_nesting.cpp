@@ -4,6 +4,7 @@
 #include "border/ring_area.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace Norvek::Math::Core
 {
@@ -19,6 +20,11 @@ enum class Position
     Inside,
     Outside
 };
+
+bool IsBefore(const PlanePoint& a, const PlanePoint& b)
+{
+    return a.x != b.x ? a.x < b.x : a.y < b.y;
+}
 
 // Even-odd, exact.
 Position PositionIn(const EdgeTree& ring, const PlanePoint& place)
@@ -42,12 +48,82 @@ Position PositionIn(const EdgeTree& ring, const PlanePoint& place)
     return isInside ? Position::Inside : Position::Outside;
 }
 
-template <class Predicate>
-bool AnyEdges(const EdgeTree& a, const EdgeTree& b, const Predicate& predicate)
+// Whether the ring holds a place next to `at` on the way from there to `to`, beside the way on its
+// left or on its right, even-odd and exact.
+bool IsInsideBeside(const EdgeTree& ring, const PlanePoint& at, const PlanePoint& to, bool isLeft)
 {
-    return a.AnyPair(b, [&](std::uint32_t edge, std::uint32_t other) {
-        return predicate(a.Begin(edge), a.End(edge), b.Begin(other), b.End(other));
+    // The ray to the left runs a little above or below `at`.
+    const bool isAbove = to.y != at.y ? to.y > at.y : (to.x > at.x) == isLeft;
+    bool isInside = false;
+    ring.AnyEdge({{ring.Bounds().low.x, at.y}, at}, [&](std::uint32_t edge) {
+        const bool isRising = ring.Begin(edge).y <= ring.End(edge).y;
+        const PlanePoint& lower = isRising ? ring.Begin(edge) : ring.End(edge);
+        const PlanePoint& upper = isRising ? ring.End(edge) : ring.Begin(edge);
+        if (isAbove ? upper.y <= at.y : lower.y >= at.y)
+            return false;
+        int side = Orientation(lower, upper, at);
+        if (side == 0)
+            side = Orientation(lower, upper, to);
+        // The way runs along the edge.
+        if (side == 0)
+            side = isAbove == isLeft ? 1 : -1;
+        if (side < 0)
+            isInside = !isInside;
+        return false;
     });
+    return isInside;
+}
+
+// Calls `visit(at, to)` for the parts of the edges of `ring` between places of either ring, until
+// one returns true. Returns whether one did.
+template <class Visit>
+bool AnyPart(const EdgeTree& ring, const EdgeTree& other, const Visit& visit)
+{
+    std::vector<PlanePoint> places;
+    for (std::uint32_t edge = 0; edge < ring.NumEdges(); ++edge) {
+        const PlanePoint& begin = ring.Begin(edge);
+        const PlanePoint& end = ring.End(edge);
+        places = {begin, end};
+        other.AnyEdge(PlaneBox::Of(begin, end), [&](std::uint32_t otherEdge) {
+            if (LiesOn(other.Begin(otherEdge), begin, end))
+                places.push_back(other.Begin(otherEdge));
+            return false;
+        });
+        std::sort(places.begin(), places.end(), IsBefore);
+        places.erase(std::unique(places.begin(), places.end()), places.end());
+        for (std::size_t i = 1; i < places.size(); ++i) {
+            if (visit(places[i - 1], places[i]))
+                return true;
+        }
+    }
+    return false;
+}
+
+// Whether the region within `inner` lies in that within `outer`; no edges of the two cross, so that
+// all that can be told apart is told beside the parts of their edges.
+bool LiesIn(const EdgeTree& inner, const EdgeTree& outer)
+{
+    bool hasArea = false;
+    const auto standsOut = [&](const PlanePoint& at, const PlanePoint& to) {
+        for (const bool isLeft : {false, true}) {
+            if (IsInsideBeside(inner, at, to, isLeft)) {
+                hasArea = true;
+                if (!IsInsideBeside(outer, at, to, isLeft))
+                    return true;
+            }
+        }
+        return false;
+    };
+    if (AnyPart(inner, outer, standsOut) || AnyPart(outer, inner, standsOut))
+        return false;
+    if (hasArea)
+        return true;
+    // As in the sweep, whose line leans: what is right below the leftmost place.
+    PlanePoint leftmost = inner.Begin(0);
+    for (std::uint32_t edge = 1; edge < inner.NumEdges(); ++edge)
+        leftmost = std::min(leftmost, inner.Begin(edge), IsBefore);
+    const PlanePoint below(leftmost.x, leftmost.y - std::max(1.0, std::abs(leftmost.y)));
+    return IsInsideBeside(outer, leftmost, below, true);
 }
 
 class Pairs
@@ -56,11 +132,8 @@ public:
     Pairs(const RingPoints& rings, CrossingRule rule) : _rings(rings), _rule(rule), _areas(rings)
     {
         _trees.reserve(rings.NumRings());
-        _crossesItself.reserve(rings.NumRings());
-        for (std::uint32_t ring = 0; ring < rings.NumRings(); ++ring) {
+        for (std::uint32_t ring = 0; ring < rings.NumRings(); ++ring)
             _trees.emplace_back(rings.Ring(ring), true);
-            _crossesItself.push_back(!SweepNesting(_Alone({ring})).has_value());
-        }
     }
 
     [[nodiscard]] const std::vector<EdgeTree>& Trees() const
@@ -68,46 +141,35 @@ public:
         return _trees;
     }
 
-    // The boxes of the two meet.
-    [[nodiscard]] bool IsAround(std::uint32_t outer, std::uint32_t inner)
+    // The one of two rings that is around the other, the first when both are; none otherwise.
+    [[nodiscard]] std::uint32_t OuterOf(std::uint32_t a, std::uint32_t b)
     {
-        if (_trees[outer].Bounds().Holds(_trees[inner].Bounds())) {
-            // Rims without a common place: any place of the ring tells.
-            if (!AnyEdges(_trees[outer], _trees[inner], DoMeet))
-                return PositionIn(_trees[outer], _rings.Ring(inner)[0]) == Position::Inside;
-            const auto both =
-                SweepNesting(_Alone({std::min(outer, inner), std::max(outer, inner)}));
-            if (both.has_value())
-                return both->orders[inner < outer ? 0 : 1] == 1;
-            if ((_crossesItself[outer] || _crossesItself[inner]) &&
-                !AnyEdges(_trees[outer], _trees[inner], DoCross))
-                return _areas.IsLarger(outer, inner) && _LiesIn(outer, inner);
+        bool isTouching = false;
+        const bool isCrossing = _trees[a].AnyPair(_trees[b], [&](std::uint32_t i, std::uint32_t j) {
+            const PlanePoint& begin = _trees[b].Begin(j);
+            const PlanePoint& end = _trees[b].End(j);
+            isTouching = isTouching || DoMeet(_trees[a].Begin(i), _trees[a].End(i), begin, end);
+            return isTouching && DoCross(_trees[a].Begin(i), _trees[a].End(i), begin, end);
+        });
+        if (!isCrossing) {
+            if (isTouching ? LiesIn(_trees[b], _trees[a]) : _HoldsFirstPlace(a, b))
+                return a;
+            if (isTouching ? LiesIn(_trees[a], _trees[b]) : _HoldsFirstPlace(b, a))
+                return b;
         }
-        return _rule == CrossingRule::WhenMostPointsDo && _areas.IsLarger(outer, inner) &&
-               _LiesMostlyIn(outer, inner);
+        if (_rule == CrossingRule::Never || !isTouching)
+            return kNone;
+        const bool isLarger = _areas.IsLarger(a, b);
+        const std::uint32_t outer = isLarger ? a : b;
+        return _LiesMostlyIn(outer, isLarger ? b : a) ? outer : kNone;
     }
 
 private:
-    [[nodiscard]] RingPoints _Alone(std::initializer_list<std::uint32_t> chosen) const
+    // Rims without a common place: any place of the ring tells.
+    [[nodiscard]] bool _HoldsFirstPlace(std::uint32_t outer, std::uint32_t inner) const
     {
-        RingPoints alone;
-        for (const std::uint32_t ring : chosen) {
-            const auto places = _rings.Ring(ring);
-            alone.points.insert(alone.points.end(), places.begin(), places.end());
-            alone.starts.push_back(static_cast<std::uint32_t>(alone.points.size()));
-        }
-        return alone;
-    }
-
-    // By the first place that is not on the other rim.
-    [[nodiscard]] bool _LiesIn(std::uint32_t outer, std::uint32_t inner) const
-    {
-        for (const PlanePoint& place : _rings.Ring(inner)) {
-            const Position position = PositionIn(_trees[outer], place);
-            if (position != Position::On)
-                return position == Position::Inside;
-        }
-        return false;
+        return _trees[outer].Bounds().Holds(_trees[inner].Bounds()) &&
+               PositionIn(_trees[outer], _rings.Ring(inner)[0]) == Position::Inside;
     }
 
     [[nodiscard]] bool _LiesMostlyIn(std::uint32_t outer, std::uint32_t inner) const
@@ -124,7 +186,6 @@ private:
     CrossingRule _rule;
     RingAreas _areas;
     std::vector<EdgeTree> _trees;
-    std::vector<bool> _crossesItself;
 };
 
 } // namespace
@@ -135,10 +196,9 @@ Nesting FindNestingOfCrossing(const RingPoints& rings, CrossingRule rule)
     Pairs pairs(rings, rule);
     std::vector<std::vector<std::uint32_t>> around(numRings);
     ForEachMeetingPair(pairs.Trees(), [&](std::uint32_t a, std::uint32_t b) {
-        if (pairs.IsAround(a, b))
-            around[b].push_back(a);
-        else if (pairs.IsAround(b, a))
-            around[a].push_back(b);
+        const std::uint32_t outer = pairs.OuterOf(a, b);
+        if (outer != kNone)
+            around[outer == a ? b : a].push_back(outer);
     });
     Nesting nesting;
     nesting.parents.assign(numRings, kNone);

@@ -207,7 +207,7 @@ private:
 
 } // namespace
 
-std::optional<Nesting> SweepNesting(const RingPoints& rings)
+Nesting FindNesting(const RingPoints& rings)
 {
     Nesting nesting;
     nesting.parents.assign(rings.NumRings(), kNone);
@@ -215,16 +215,9 @@ std::optional<Nesting> SweepNesting(const RingPoints& rings)
     PlaneGraph graph(rings);
     NestingJob job(graph, rings, nesting);
     if (!PlaneSweep(graph, job).Run())
-        return std::nullopt;
+        return FindNestingOfCrossing(rings, CrossingRule::Never);
     job.ListStrays(rings);
     return nesting;
-}
-
-Nesting FindNesting(const RingPoints& rings)
-{
-    auto nesting = SweepNesting(rings);
-    return nesting.has_value() ? *std::move(nesting)
-                               : FindNestingOfCrossing(rings, CrossingRule::Never);
 }
 
 } // namespace Norvek::Math::Core

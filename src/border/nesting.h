@@ -3,7 +3,6 @@
 #include "border/plane_graph.h"
 
 #include <cstdint>
-#include <optional>
 #include <vector>
 
 namespace Norvek::Math::Core
@@ -33,8 +32,5 @@ struct Nesting
 /// box meets it; rings that overlap in part do not lie in each other, and the parent is one of
 /// those around the ring that lie deepest. `rings` is finite and in range.
 Nesting FindNesting(const RingPoints& rings);
-
-/// The same by a sweep alone: nothing when edges cross or regions overlap in part.
-std::optional<Nesting> SweepNesting(const RingPoints& rings);
 
 } // namespace Norvek::Math::Core

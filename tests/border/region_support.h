@@ -48,12 +48,22 @@ inline bool DoCross(const PlanePoint& a, const PlanePoint& b, const PlanePoint& 
            Orientation(c, d, a) * Orientation(c, d, b) < 0;
 }
 
+/// Whether an edge of one ring crosses one of the other.
+inline bool DoCrossEachOther(const Ring& a, const Ring& b)
+{
+    const auto edges = EdgesOf({b});
+    for (const auto& [p, q] : EdgesOf({a}))
+        for (const auto& [r, s] : edges)
+            if (DoCross(p, q, r, s))
+                return true;
+    return false;
+}
+
 inline bool HasCrossing(const Rings& rings)
 {
-    const auto edges = EdgesOf(rings);
-    for (std::size_t i = 0; i < edges.size(); ++i)
-        for (std::size_t j = 0; j < i; ++j)
-            if (DoCross(edges[i].first, edges[i].second, edges[j].first, edges[j].second))
+    for (std::size_t i = 0; i < rings.size(); ++i)
+        for (std::size_t j = 0; j <= i; ++j)
+            if (DoCrossEachOther(rings[i], rings[j]))
                 return true;
     return false;
 }

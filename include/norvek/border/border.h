@@ -126,15 +126,15 @@ public:
     /// between vertices whose connection meets nothing else, so that only outer contours are left.
     /// The bridges are short: of the diagonals of a triangulation those that make the shortest
     /// tree. The sum of the signed areas stays. Outer flags and orders are determined first; the
-    /// outer contours come in descending order of area. Where contours cross and no such vertices
-    /// are left, the bridge crosses edges.
+    /// outer contours come in descending order of area. Where contours cross, overlap in part or
+    /// have no area, and no such vertices are found, the bridge crosses edges.
     ///
     /// Holes that turn against their outer contour, see
     /// `AdjustTurningSenseToOuterContourParameter`, leave outlines that touch themselves but do not
     /// pass through themselves, as long as no contour does.
     ///
-    /// O(n log n) in the points; where contours cross or overlap in part, up to the number of holes
-    /// times the points.
+    /// O(n log n) in the points; where contours cross, overlap in part or have no area, up to the
+    /// number of holes times the points.
     void MergeToOnlyOuterContours();
 
     /// The contours from the first to the last.
@@ -259,7 +259,8 @@ protected:
     /// Joins `hole` to `outer` at the leftmost point of `hole` and the nearest point of `outer`,
     /// the first of several, so that the connection meets no edge of this border, closing edges
     /// included, see `ConnectWith`; `hole` stays. Where there is none, the connection may run along
-    /// an edge. False, with nothing changed, when there is still none.
+    /// an edge; then the other points of `hole` are tried from left to right, until a thousand
+    /// connections have failed. False, with nothing changed, when none is found.
     bool _TryToConnectContours(Contour* outer, Contour* hole);
 
     /// A new empty contour that shares the border's pool; the caller owns it. A derived border may
