@@ -97,13 +97,17 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         Require(contour.GetOrder() < rings.size(), "orders count other rings");
     border.AdjustTurningSenseToOuterContourParameter();
     const double signedArea = border.SurfaceAreaWithSignXY();
+    // Rounding may take the sign of slivers.
+    const bool areTurned = std::all_of(border.begin(), border.end(), [](const auto& contour) {
+        return contour.GetNumPoints() == 0 || std::abs(contour.SurfaceAreaWithSignXY()) > 1e-9;
+    });
     border.MergeToOnlyOuterContours();
     Require(std::abs(border.SurfaceAreaWithSignXY() - signedArea) < 1e-9, "merging keeps the area");
     for (const auto& contour : border.Contours())
         Require(contour.GetIsOuterContour(), "outer contours are left");
     const Rings merged = norvek_test::RingsOf(border);
     Require(hasCrossing || !norvek_test::HasCrossing(merged), "bridges cross nothing");
-    Require(norvek_test::PassThroughAtPoints(rings) || hasCrossing ||
+    Require(!areTurned || norvek_test::PassThroughAtPoints(rings) || hasCrossing ||
                 norvek_test::HasFoldedRing(rings) || !norvek_test::PassThroughAtPoints(merged),
             "outlines keep to their side");
     triangles.clear();
