@@ -29,14 +29,11 @@ PlanePoint PlaceOf(const Point& point)
     return {static_cast<double>(point.x), static_cast<double>(point.y)};
 }
 
-/// The same divided by 2 to a power.
+/// The same brought into range by a power of 2.
 template <class Point>
 PlanePoint PlaceOf(const Point& point, int exponent)
 {
-    const PlanePoint place = PlaceOf(point);
-    if (exponent == 0)
-        return place;
-    return {std::ldexp(place.x, -exponent), std::ldexp(place.y, -exponent)};
+    return PlaceInRange(PlaceOf(point), exponent);
 }
 
 /// Whether both coordinates are finite.

@@ -35,16 +35,25 @@ int ExponentOutOfRange(double largestCoordinate)
     return std::abs(exponent) > kMostExponent ? exponent : 0;
 }
 
+PlanePoint PlaceInRange(const PlanePoint& place, int exponent)
+{
+    const auto inRange = [exponent](double value) {
+        const double scaled = exponent == 0 ? value : std::ldexp(value, -exponent);
+        // The last digit of a sum with this number is worth 2^-537.
+        constexpr double kRounder = 0x1.8p-485;
+        return std::abs(scaled) < 0x1p-485 ? (scaled + kRounder) - kRounder : scaled;
+    };
+    return {inRange(place.x), inRange(place.y)};
+}
+
 void RingPoints::BringIntoRange()
 {
     double largest = 0.0;
     for (const PlanePoint& p : points)
         largest = std::max({largest, std::abs(p.x), std::abs(p.y)});
     exponent = ExponentOutOfRange(largest);
-    if (exponent == 0)
-        return;
     for (PlanePoint& p : points)
-        p = {std::ldexp(p.x, -exponent), std::ldexp(p.y, -exponent)};
+        p = PlaceInRange(p, exponent);
 }
 
 PlaneGraph::PlaneGraph(const RingPoints& rings)

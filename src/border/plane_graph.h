@@ -13,6 +13,10 @@ namespace Norvek::Math::Core
 /// orientation neither overflow nor vanish; 0 when they do not anyway.
 int ExponentOutOfRange(double largestCoordinate);
 
+/// The place divided by 2 to this power. Coordinates below 2^-485 are rounded to multiples of
+/// 2^-537, whose products lose no digits: a sweep needs answers that do not contradict each other.
+PlanePoint PlaceInRange(const PlanePoint& place, int exponent);
+
 /// The points of rings one after another, as a sweep takes them.
 struct RingPoints
 {
@@ -32,7 +36,7 @@ struct RingPoints
         return {points.data() + starts[ring], starts[ring + 1] - starts[ring]};
     }
 
-    /// Multiplies all coordinates by a power of 2 when `ExponentOutOfRange` says so.
+    /// Brings all places into range, by the power of 2 that `ExponentOutOfRange` names.
     void BringIntoRange();
 };
 

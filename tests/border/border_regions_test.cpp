@@ -133,6 +133,29 @@ TEST(BorderRegions, CrossingRingsSayThatTheyCross)
     EXPECT_TRUE(Fill(BorderOf(hostile)).triangles.empty());
 }
 
+// Products of small coordinates vanish beside others, and sides must not contradict each other.
+TEST(BorderRegions, CoordinatesOfAllSizesAreSafe)
+{
+    Random random(705);
+    const auto coordinate = [&] {
+        return random.Integer(-4, 4) * std::pow(10.0, -5.0 * random.Integer(29, 34));
+    };
+    for (int round = 0; round < 4000; ++round) {
+        Rings rings(3);
+        for (Ring& ring : rings) {
+            for (int i = 0; i < 7; ++i)
+                ring.emplace_back(round % 2 == 0 ? coordinate() : random.Integer(-4, 4),
+                                  coordinate());
+        }
+        RegionBorder border = BorderOf(rings);
+        std::int32_t count = 0;
+        std::vector<void*> corners;
+        border.FillWithTriangles(count, corners);
+        border.MergeToOnlyOuterContours();
+        EXPECT_LE(border.GetNumContours(), 3U);
+    }
+}
+
 // What of a fine pattern of places lies within a ring.
 constexpr std::size_t kSamples = 48;
 using Sample = std::bitset<kSamples * kSamples>;
